@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include <gif_lib.h>
+
+int main()
+{
+    return GifErrorString(0) ? 0 : 1;
+}

@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include <mpg123.h>
+
+int main()
+{
+    return mpg123_init();
+}

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Sets up, builds and opens Vela Studio on the meadow. Without a display it runs on a virtual one
+# and leaves screenshots of its main states.
+#
+# Usage: run.sh [PROJECT]              open PROJECT, examples/meadow by default
+#        run.sh --screenshots DIR      leave screenshots in DIR, with or without a display
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+fail() {
+  echo "run: $1" >&2
+  exit 1
+}
+
+project=examples/meadow
+screenshots=
+case "${1:-}" in
+  --screenshots)
+    screenshots=${2:-}
+    [ -n "$screenshots" ] || fail "--screenshots needs a folder"
+    ;;
+  -*) fail "unknown option '$1'" ;;
+  ?*) project=$1 ;;
+esac
+if [ -z "$screenshots" ] && [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  screenshots=screenshots
+  echo "run: no display here; screenshots go to $screenshots/"
+fi
+
+scripts/setup.sh
+cmake --preset release --log-level=WARNING >/dev/null || fail "the build could not be configured"
+cmake --build --preset release --target vela-studio vela lanternx || fail "the build failed"
+
+studio=build/release/bin/vela-studio
+if [ -z "$screenshots" ]; then
+  exec "$studio" "$project"
+fi
+
+# The tour saves and restores: it works on a copy, with settings of its own.
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+mkdir -p "$screenshots"
+cp -r "$project" "$scratch/meadow"
+XDG_CONFIG_HOME=$scratch/config XDG_DATA_HOME=$scratch/data scripts/with_display.sh \
+  "$studio" --screenshots "$(realpath "$screenshots")" "$scratch/meadow" ||
+  fail "the tour of screenshots did not come to its end"
+ls "$screenshots"/*.png

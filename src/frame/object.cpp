@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "frame/object.h"
+
+namespace Vela {
+
+Object::~Object() = default;
+
+}  // namespace Vela
