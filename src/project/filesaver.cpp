@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "project/filesaver.h"
+
+namespace Vela {
+
+FileSaver::~FileSaver() = default;
+
+}  // namespace Vela
