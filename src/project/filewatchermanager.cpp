@@ -19,6 +19,12 @@ FileWatcherManager::FileWatcherManager()
             Qt::QueuedConnection);
 }
 
+QPair<QDateTime, qint64> FileWatcherManager::stateOf(const QString &path)
+{
+    const QFileInfo file(path);
+    return {file.metadataChangeTime(), file.size()};
+}
+
 void FileWatcherManager::watch(FileWatchObject *object, const QString &path)
 {
     if (object->watchedFileName() == path && isWatched(object, path)
@@ -71,11 +77,12 @@ void FileWatcherManager::fileChanged(const QString &path)
     if (!isHandled(path, *entry))
         return;
 
+    const QPair<QDateTime, qint64> state = stateOf(path);
     QList<FileWatchObject *> toReload;
     for (FileWatchObject *const object : qAsConst(entry->objects)) {
         if (object->m_ignoreChange)
             object->m_ignoreChange = false;
-        else
+        else if (object->m_known != state)
             toReload.append(object);
     }
     if (!toReload.isEmpty())

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDateTime>
 #include <QFileSystemWatcher>
 #include <QList>
 #include <QMap>
 #include <QObject>
+#include <QPair>
 
 namespace Vela {
 
@@ -18,6 +20,9 @@ class FileWatcherManager : public QObject
 
 public:
     FileWatcherManager();
+
+    /// Returns what tells two states of a file apart: when it changed last, and its size.
+    static QPair<QDateTime, qint64> stateOf(const QString &path);
 
     /// Moves an object to \a path; an empty path is not watched.
     void watch(FileWatchObject *object, const QString &path);

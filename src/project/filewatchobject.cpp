@@ -37,6 +37,8 @@ FileWatchObject::~FileWatchObject()
 void FileWatchObject::pauseWatch(bool pause)
 {
     m_ignoreChange = pause;
+    if (!pause)
+        m_known = FileWatcherManager::stateOf(watchedFileName());
 }
 
 void FileWatchObject::fileLoaded(Archive &archive, const QString &path, bool copy)

@@ -3,6 +3,9 @@
 
 #include "frame/export.h"
 
+#include <QDateTime>
+#include <QPair>
+
 class QString;
 
 namespace Vela {
@@ -22,7 +25,9 @@ public:
     virtual QString watchedFileName() const = 0;
     /// Reads the document's file again.
     virtual void reload() = 0;
-    /// While paused, the next change of the file is left out.
+    /// While paused, the next change of the file is left out. At the end of a pause the document
+    /// counts as one that knows its file as it then is: a change during the pause that only comes
+    /// to notice afterwards is left out as well.
     virtual void pauseWatch(bool pause);
 
     /// A document calls this when it is read from \a path, before its own name changes. A \a copy
@@ -37,6 +42,7 @@ private:
     friend class FileWatcherManager;
 
     bool m_ignoreChange = false;
+    QPair<QDateTime, qint64> m_known; ///< the state of the file at the end of a pause
 };
 
 } // namespace Vela

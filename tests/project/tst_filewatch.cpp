@@ -104,6 +104,7 @@ private Q_SLOTS:
     void replacedFileStaysWatched();
     void disabledWatcherKeepsIgnoreFlags();
     void pauseSkipsOneChange();
+    void changeDuringPauseIsNotMetAfterIt();
     void pathIsDroppedWithItsLastObject();
     void documentMovesBetweenFiles();
     void otherArchiveIsNotWatched();
@@ -345,6 +346,28 @@ void tst_FileWatch::pauseSkipsOneChange()
     document.pauseWatch(false);
     change(file);
     QCOMPARE(document.reloads, 2);
+}
+
+/// A restored backup replaces the file and has it read again, all within one event; the watcher
+/// hears of it only after the pause.
+void tst_FileWatch::changeDuringPauseIsNotMetAfterIt()
+{
+    host->options.insert(askKey, 0);
+    DialogAnswerer user;
+    Document document(file);
+    document.pauseWatch(true);
+    QIODevice *const device = disk().openFile(file, QIODevice::WriteOnly);
+    QVERIFY(device && device->write("restored\n") > 0);
+    disk().closeFile(device);
+    document.load(disk(), file, false);
+    document.pauseWatch(false);
+    QTRY_COMPARE(changesMet.count(file), 1);
+    QCOMPARE(document.reloads, 0);
+    QVERIFY(user.dialogs.isEmpty());
+
+    host->options.insert(askKey, 1);
+    change(file);
+    QCOMPARE(document.reloads, 1);
 }
 
 void tst_FileWatch::pathIsDroppedWithItsLastObject()
