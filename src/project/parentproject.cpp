@@ -140,12 +140,15 @@ void ParentProject::addRef(Project *project)
     ++d->refCount;
     d->projects.insert(project, d->place(project));
     d->rebuild(project);
+    connect(project, &Project::fileHierarchyChanged, this,
+            [this, project] { d->rebuild(project); });
 }
 
 void ParentProject::removeRef(Project *project)
 {
     if (!d->projects.contains(project))
         return;
+    disconnect(project, &Project::fileHierarchyChanged, this, nullptr);
     const QList<ProjectFile *> files = project->files();
     for (ProjectFile *file : files)
         Q_EMIT fileClosed(file);

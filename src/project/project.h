@@ -24,7 +24,8 @@ class ProjectPrivate;
 /// ParentProject and holds a reference on each of its files.
 ///
 /// release() gives the project up: it flushes and releases the archive, leaves the parent and
-/// releases the files. It does not delete the object: the engine's class, which made it, does.
+/// releases the files. It does not delete the object: the engine's class, which made it, does, and
+/// before its parent project's destructor is through.
 class VELA_EXPORT Project : public QObject, public Object
 {
     Q_OBJECT
@@ -62,8 +63,9 @@ public:
     void release() override;
     ~Project() override;
 
-    /// Adds a file under a type and takes a reference over. Returns false, and leaves the reference
-    /// with the caller, if the file has that type already.
+    /// Adds a file under a type, from 0 to 31. With its first type the project takes a reference
+    /// over from the caller; further types take none. Returns false, with the reference left to the
+    /// caller, if the file has that type already or the type is out of range.
     bool addFile(ProjectFile *file, int type);
     void removeFile(int type, unsigned int index);
     /// Removes a file under every type that it has.
