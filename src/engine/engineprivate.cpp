@@ -57,10 +57,17 @@ QVariant optionFromText(const QString &text)
     const QRegularExpressionMatch match = numbers.match(text);
     if (!match.hasMatch())
         return text;
-    const auto number = [&match](int group) { return match.capturedRef(group).toInt(); };
-    if (match.lastCapturedIndex() == 4)
-        return QRect(number(1), number(2), number(3), number(4));
-    const QColor color(number(1), number(2), number(3));
+    const int count = match.lastCapturedIndex();
+    int number[4] = {};
+    for (int i = 0; i < count; ++i) {
+        bool fits = false;
+        number[i] = match.capturedRef(i + 1).toInt(&fits);
+        if (!fits)
+            return text;
+    }
+    if (count == 4)
+        return QRect(number[0], number[1], number[2], number[3]);
+    const QColor color(number[0], number[1], number[2]);
     return color.isValid() ? QVariant(color) : QVariant(text);
 }
 
@@ -107,7 +114,7 @@ void showFileError(const QString &text)
     QMessageBox::critical(dialogParent(), EnginePrivate::tr("Configuration error!"), text);
 }
 
-}  // namespace
+} // namespace
 
 EnginePrivate::EnginePrivate(const QString &engineName)
     : EngineInstances(engineName)
@@ -197,9 +204,10 @@ bool EnginePrivate::save()
         QXmlStreamWriter writer(&file);
         writer.setAutoFormatting(true);
         writer.writeStartDocument();
-        save(&writer);
+        const bool written = save(&writer);
         writer.writeEndDocument();
-        saved = file.commit();
+        // Behind a character that XML cannot hold the writer leaves names and values out.
+        saved = written && file.commit();
     }
     if (!saved)
         showFileError(tr("Can't save engine configuration to '%1'!").arg(file.fileName()));
@@ -243,4 +251,4 @@ Engine *EnginePrivate::publicEngine()
     return static_cast<Engine *>(this);
 }
 
-}  // namespace Vela
+} // namespace Vela

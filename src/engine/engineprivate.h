@@ -41,7 +41,8 @@ public:
     /// that cannot be opened or read and returns false; what was read until then stays.
     bool load();
     bool load(QXmlStreamReader *reader);
-    /// Writes the configuration file. Tells the user and returns false if that fails.
+    /// Writes the configuration file. Tells the user and returns false, with the old file as it
+    /// was, if that fails or if a text holds a character that XML cannot.
     bool save();
     bool save(QXmlStreamWriter *writer);
 
@@ -57,4 +58,4 @@ private:
     std::unique_ptr<EnginePrivateData> d;
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -68,7 +68,7 @@ bool loadText(Engine &engine, const QByteArray &xml)
     return static_cast<EnginePrivate &>(engine).load(&reader);
 }
 
-}  // namespace
+} // namespace
 
 class TestEngineConfig : public QObject
 {
@@ -85,6 +85,7 @@ private Q_SLOTS:
     void brokenFileKeepsWhatWasRead();
     void missingFileIsNoFailure();
     void fileThatCannotBeWrittenIsTold();
+    void textThatXmlCannotHoldKeepsTheOldFile();
     void optionFallsBackToTheHost();
     void withoutHostNothingIsRead();
 };
@@ -189,6 +190,8 @@ void TestEngineConfig::optionValuesAreReadByTheirForm_data()
                                   << QVariant(QStringLiteral("1,2,3,4,5"));
     QTest::newRow("negative") << QByteArray("-1,2,3,4") << QVariant(QStringLiteral("-1,2,3,4"));
     QTest::newRow("no colour") << QByteArray("256,0,0") << QVariant(QStringLiteral("256,0,0"));
+    QTest::newRow("too large") << QByteArray("4294967297,2,3,4")
+                               << QVariant(QStringLiteral("4294967297,2,3,4"));
     QTest::newRow("empty") << QByteArray() << QVariant(QString());
 }
 
@@ -268,6 +271,24 @@ void TestEngineConfig::fileThatCannotBeWrittenIsTold()
     QCOMPARE(answers.dialogs.first().title, QStringLiteral("Configuration error!"));
     QCOMPARE(answers.dialogs.first().text,
              QStringLiteral("Can't save engine configuration to '%1'!").arg(path));
+}
+
+// Pasted parameters hold a control character: what was saved before must still be there.
+void TestEngineConfig::textThatXmlCannotHoldKeepsTheOldFile()
+{
+    RecordingHost host;
+    TestEngine engine;
+    engine.add(QStringLiteral("a"), QString(), QStringLiteral("-x"), QString());
+    QVERIFY(engine.save());
+    engine.edit(0, QStringLiteral("a"), QString(), QStringLiteral("-x\x1b"), QString());
+    DialogAnswerer answers;
+    answers.answer(QMessageBox::Ok);
+    QVERIFY(!engine.save());
+    QVERIFY(answers.isDone());
+
+    TestEngine again;
+    QVERIFY(again.load());
+    QCOMPARE(again.at(0).params, QStringLiteral("-x"));
 }
 
 void TestEngineConfig::optionFallsBackToTheHost()
