@@ -77,7 +77,7 @@ bool File::openReplacement(OpenMode mode)
     } while (QFile::exists(fileName()));
 
     const bool needsContent = mode & (ReadOnly | Append);
-    if ((!needsContent || QFile::copy(target, fileName())) && QFile::open(mode)
+    if ((!needsContent || QFile::copy(target, fileName())) && QFile::open(mode & ~ExistingOnly)
         && m_target.open(ReadWrite)) {
         setPermissions(m_target.permissions());
         return true;
@@ -135,10 +135,11 @@ bool File::replaceTarget()
     }
     QThread::msleep(renamePause);
     QFile::close();
-    return retry(&File::renameToTarget, tr("File rename error!"),
-          tr("Can't rename temporary file to '%1'. Do you want to try again?\nObs.: You can rename "
-             "it manually. Seems that something is preventing the file to be renamed.")
-              .arg(target));
+    return retry(
+        &File::renameToTarget, tr("File rename error!"),
+        tr("Can't rename temporary file to '%1'. Do you want to try again?\nObs.: You can rename "
+           "it manually. Seems that something is preventing the file to be renamed.")
+            .arg(target));
 }
 
 void File::discard()

@@ -47,6 +47,11 @@ QStringList FileSystemArchive::entries(const QString &path, const QStringList &n
 
 QIODevice *FileSystemArchive::openFile(const QString &path, QIODevice::OpenMode mode)
 {
+    // As QFile has it: appending and making a file are writing.
+    if (mode & (QIODevice::Append | QIODevice::NewOnly))
+        mode |= QIODevice::WriteOnly;
+    if ((mode & QIODevice::NewOnly) && QFile::exists(path))
+        return nullptr;
     if (mode & QIODevice::WriteOnly) {
         const QString folder = QFileInfo(path).absolutePath();
         if (!QDir(folder).exists())

@@ -93,7 +93,9 @@ private Q_SLOTS:
 
     void overwritingGoesThroughATemporaryFile();
     void newFilesAreWrittenDirectly();
+    void appendingKeepsTheOldContent_data();
     void appendingKeepsTheOldContent();
+    void modesThatAskForAFileOrForNone();
     void permissionsStay();
     void leftOverFilesAreNotOverwritten();
     void contentIsOnTheDiskBeforeTheTargetGoes();
@@ -222,10 +224,27 @@ void TestFileSystemArchive::newFilesAreWrittenDirectly()
     QCOMPARE(list(m_archive, m_folder->path()), QStringList{target});
 }
 
+void TestFileSystemArchive::appendingKeepsTheOldContent_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("writing") << int(QIODevice::WriteOnly | QIODevice::Append);
+    QTest::newRow("alone") << int(QIODevice::Append);
+}
+
 void TestFileSystemArchive::appendingKeepsTheOldContent()
 {
-    m_archive.closeFile(openForWriting(" and new", QIODevice::WriteOnly | QIODevice::Append));
+    QFETCH(int, mode);
+    m_archive.discardFile(openForWriting(" and lost", QIODevice::OpenMode(mode)));
+    QCOMPARE(read(m_archive, path()), QByteArray("old"));
+    m_archive.closeFile(openForWriting(" and new", QIODevice::OpenMode(mode)));
     QCOMPARE(read(m_archive, path()), QByteArray("old and new"));
+}
+
+void TestFileSystemArchive::modesThatAskForAFileOrForNone()
+{
+    QVERIFY(!m_archive.openFile(path(), QIODevice::WriteOnly | QIODevice::NewOnly));
+    m_archive.closeFile(openForWriting("new", QIODevice::WriteOnly | QIODevice::ExistingOnly));
+    QCOMPARE(read(m_archive, path()), QByteArray("new"));
 }
 
 void TestFileSystemArchive::permissionsStay()
