@@ -142,9 +142,13 @@ void FileBrowseEdit::setBasePath(Archive *archive, const QString &path)
         archive = &FileSystemArchive::instance();
     if (archive == d->archive && path == d->basePath)
         return;
+    const bool isOtherStore = archive != d->archive;
     d->archive = archive;
     d->basePath = path;
     d->updateFolder();
+    // The folder of the same name in another store holds other files.
+    if (isOtherStore)
+        d->refill();
 }
 
 QString FileBrowseEdit::filter() const

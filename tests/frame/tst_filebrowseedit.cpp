@@ -184,6 +184,12 @@ void TestFileBrowseEdit::completerFollowsTheTypedFolder()
     m_widget->setBasePath(nullptr, QString());
     m_widget->setBasePath(&m_archive, base);
     QTEST(completions(Qt::EditRole).join(QLatin1Char(' ')), "completed");
+
+    MemoryArchive empty;
+    m_widget->setBasePath(&empty, base);
+    QVERIFY(completions(Qt::DisplayRole).isEmpty());
+    m_widget->setBasePath(&m_archive, base);
+    QTEST(completions(Qt::DisplayRole).join(QLatin1Char(' ')), "shown");
 }
 
 void TestFileBrowseEdit::completionWritesTheWholePath()
