@@ -18,7 +18,7 @@ bool load(Vela::EnginePrivate &engine, const QByteArray &xml)
     return engine.load(&reader);
 }
 
-}  // namespace
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -36,7 +36,7 @@ void readAndWrite(const QByteArray &data, int codec)
     }
 }
 
-}  // namespace
+} // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {

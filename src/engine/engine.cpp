@@ -18,4 +18,4 @@ QString Engine::path() const
     return host ? host->userFolder() + engineFolder() : engineFolder();
 }
 
-}  // namespace Vela
+} // namespace Vela

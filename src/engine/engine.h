@@ -19,11 +19,11 @@ class VELA_EXPORT Engine : public EnginePrivate
 public:
     /// What queryString() is asked for. Values beyond these are the extension's own.
     enum StringType {
-        EditorText = 0,      ///< argument 0: the text that the code editor shows
-        EngineName = 1,      ///< argument 0: the key that import and export formats name
-        CommentString = 2,   ///< argument 0: what begins a comment in definition text
-        DisplayName = 3,     ///< argument 0: the engine's name for users
-        ProjectTypeName = 4  ///< argument: a project's type
+        EditorText = 0,     ///< argument 0: the text that the code editor shows
+        EngineName = 1,     ///< argument 0: the key that import and export formats name
+        CommentString = 2,  ///< argument 0: what begins a comment in definition text
+        DisplayName = 3,    ///< argument 0: the engine's name for users
+        ProjectTypeName = 4 ///< argument: a project's type
     };
 
     explicit Engine(const QString &engineName);
@@ -56,4 +56,4 @@ public:
                                         QString *error) = 0;
 };
 
-}  // namespace Vela
+} // namespace Vela

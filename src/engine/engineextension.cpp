@@ -8,4 +8,4 @@ Extension::Type EngineExtension::type() const
     return EngineProvider;
 }
 
-}  // namespace Vela
+} // namespace Vela

@@ -17,4 +17,4 @@ public:
     virtual Engine *engine() = 0;
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -125,4 +125,4 @@ QString EngineInstances::configPath() const
     return d->configPath;
 }
 
-}  // namespace Vela
+} // namespace Vela

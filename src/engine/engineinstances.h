@@ -56,4 +56,4 @@ private:
     std::unique_ptr<EngineInstancesPrivate> d;
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -8,4 +8,4 @@ Archive *Extension::openArchive(const QString &, int)
     return nullptr;
 }
 
-}  // namespace Vela
+} // namespace Vela

@@ -33,4 +33,4 @@ public:
     virtual Archive *openArchive(const QString &path, int mode);
 };
 
-}  // namespace Vela
+} // namespace Vela

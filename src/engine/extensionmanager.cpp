@@ -39,7 +39,7 @@ const char *identifierOf(const Extension *extension)
     return identifier ? identifier : "";
 }
 
-}  // namespace
+} // namespace
 
 ExtensionManager::ExtensionManager(const QString &folder)
 {
@@ -88,4 +88,4 @@ const QList<Extension *> &ExtensionManager::list(Extension::Type type)
     return extensionsOf(type);
 }
 
-}  // namespace Vela
+} // namespace Vela

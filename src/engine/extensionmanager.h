@@ -34,4 +34,4 @@ private:
     Q_DISABLE_COPY(ExtensionManager)
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -100,4 +100,4 @@ ComboBoxControl::ComboBoxControl(QObject *owner, const char *slotName, const cha
 {
 }
 
-}  // namespace Vela
+} // namespace Vela

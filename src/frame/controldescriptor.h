@@ -59,10 +59,10 @@ struct VELA_EXPORT BoundControl : ControlDescriptor
     BoundControl(Kind kind, QObject *receiver, const char *slot, const char *setter,
                  const char *enabler);
 
-    QObject *receiver;    ///< owner of the signals and of the slot
-    const char *slot;     ///< slot that receives changes made by the user
-    const char *setter;   ///< signal by which the editor pushes a new value into the widget
-    const char *enabler;  ///< signal with a bool that enables the widget
+    QObject *receiver;   ///< owner of the signals and of the slot
+    const char *slot;    ///< slot that receives changes made by the user
+    const char *setter;  ///< signal by which the editor pushes a new value into the widget
+    const char *enabler; ///< signal with a bool that enables the widget
     bool hidden = false;
 
 protected:
@@ -128,4 +128,4 @@ struct VELA_EXPORT ComboBoxControl : ListViewControl
     bool editable = false;
 };
 
-}  // namespace Vela
+} // namespace Vela

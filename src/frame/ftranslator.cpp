@@ -411,4 +411,4 @@ FTranslator::Entry FTranslator::entry(int id)
     return id >= 0 && id < int(std::size(entries)) ? entries[id] : Entry();
 }
 
-}  // namespace Vela
+} // namespace Vela

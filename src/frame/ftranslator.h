@@ -36,4 +36,4 @@ private:
     static Entry entry(int id);
 };
 
-}  // namespace Vela
+} // namespace Vela

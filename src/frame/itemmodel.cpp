@@ -10,4 +10,4 @@ ItemModel::ItemModel(QObject *parent)
 
 ItemModel::~ItemModel() = default;
 
-}  // namespace Vela
+} // namespace Vela

@@ -17,4 +17,4 @@ public:
     ~ItemModel() override;
 };
 
-}  // namespace Vela
+} // namespace Vela

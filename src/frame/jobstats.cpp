@@ -7,4 +7,4 @@ JobStats::~JobStats() = default;
 
 ProgressProvider::~ProgressProvider() = default;
 
-}  // namespace Vela
+} // namespace Vela

@@ -52,4 +52,4 @@ protected:
     Q_DISABLE_COPY(ProgressProvider)
 };
 
-}  // namespace Vela
+} // namespace Vela

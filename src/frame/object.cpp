@@ -5,4 +5,4 @@ namespace Vela {
 
 Object::~Object() = default;
 
-}  // namespace Vela
+} // namespace Vela

@@ -21,4 +21,4 @@ protected:
     Object &operator=(const Object &) = default;
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -5,4 +5,4 @@ namespace Vela {
 
 PropertyItem::~PropertyItem() = default;
 
-}  // namespace Vela
+} // namespace Vela

@@ -26,4 +26,4 @@ protected:
     PropertyItem &operator=(const PropertyItem &) = default;
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -12,4 +12,4 @@ public:
     using QRegularExpression::QRegularExpression;
 };
 
-}  // namespace Vela
+} // namespace Vela

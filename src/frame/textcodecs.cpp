@@ -158,7 +158,7 @@ bool isValidUtf8(const QByteArray &data)
     return state.invalidChars == 0;
 }
 
-}  // namespace
+} // namespace
 
 void TextCodecs::initialize()
 {
@@ -251,4 +251,4 @@ QByteArray TextCodecs::stringToData(const QString &text, int codec)
     return data;
 }
 
-}  // namespace Vela
+} // namespace Vela

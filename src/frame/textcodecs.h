@@ -68,4 +68,4 @@ public:
     static QByteArray stringToData(const QString &text, int codec);
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -12,4 +12,4 @@ QString Translator::statusTip(int) const
     return QString();
 }
 
-}  // namespace Vela
+} // namespace Vela

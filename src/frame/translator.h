@@ -26,4 +26,4 @@ protected:
     Q_DISABLE_COPY(Translator)
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -35,4 +35,4 @@ QModelIndex TreeModel::nodeIndex(void *, int) const
     return QModelIndex();
 }
 
-}  // namespace Vela
+} // namespace Vela

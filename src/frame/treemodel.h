@@ -31,4 +31,4 @@ private:
     QList<void *> m_nodes;
 };
 
-}  // namespace Vela
+} // namespace Vela

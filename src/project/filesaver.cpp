@@ -5,4 +5,4 @@ namespace Vela {
 
 FileSaver::~FileSaver() = default;
 
-}  // namespace Vela
+} // namespace Vela

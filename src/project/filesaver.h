@@ -18,4 +18,4 @@ public:
     virtual void saveFileAs(ProjectFile *file) = 0;
 };
 
-}  // namespace Vela
+} // namespace Vela

@@ -55,7 +55,7 @@ QString modulePath(const char *name)
         + QLatin1String(name);
 }
 
-}  // namespace
+} // namespace
 
 class TestExtensionManager : public QObject
 {

@@ -31,7 +31,7 @@ public:
     }
 };
 
-}  // namespace
+} // namespace
 
 class TestFTranslator : public QObject
 {

@@ -111,7 +111,7 @@ QByteArray detectedName(const QByteArray &data)
     return TextCodecs::name(codec);
 }
 
-}  // namespace
+} // namespace
 
 class TestTextCodecs : public QObject
 {
@@ -220,7 +220,7 @@ void TestTextCodecs::displayNamesRise()
 void TestTextCodecs::namesSelectTheFamily_data()
 {
     QTest::addColumn<QString>("displayName");
-    QTest::addColumn<QString>("languages");  // "*" stands for the rest of a long list
+    QTest::addColumn<QString>("languages"); // "*" stands for the rest of a long list
     const auto row = [](const char *name, const char *displayName, const char *languages) {
         QTest::newRow(name) << QString::fromUtf8(displayName) << QString::fromUtf8(languages);
     };

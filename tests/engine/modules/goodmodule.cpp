@@ -32,7 +32,7 @@ private:
     const char *m_identifier;
 };
 
-}  // namespace
+} // namespace
 
 extern "C" Q_DECL_EXPORT void registerExtension(Vela::ExtensionManager *manager)
 {
