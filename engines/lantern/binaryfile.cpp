@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "lantern/binaryfile.h"
+
+namespace Lantern {
+
+namespace {
+
+QString sizeProperty()
+{
+    return QStringLiteral("Size");
+}
+
+} // namespace
+
+BinaryFile::BinaryFile(const char *extension)
+    : ContentFile(extension)
+{
+}
+
+QByteArray BinaryFile::data() const
+{
+    ensureLoaded();
+    return m_data;
+}
+
+void BinaryFile::setData(const QByteArray &data)
+{
+    ensureLoaded();
+    m_data = data;
+    m_modified = true;
+}
+
+bool BinaryFile::isModified() const
+{
+    return m_modified;
+}
+
+bool BinaryFile::isEmpty() const
+{
+    return data().isEmpty();
+}
+
+QList<BinaryFile::SearchResult> BinaryFile::search(const Vela::RegExp &, unsigned int) const
+{
+    return {};
+}
+
+void BinaryFile::replace(const QList<SearchResult> &, const QString &)
+{
+}
+
+QStringList BinaryFile::propertyNames() const
+{
+    return {sizeProperty()};
+}
+
+QVariant BinaryFile::property(const QString &name) const
+{
+    return name == sizeProperty() ? QVariant(data().size()) : QVariant();
+}
+
+void BinaryFile::setProperty(const QString &, const QVariant &)
+{
+}
+
+void BinaryFile::decode(const QByteArray &data, bool)
+{
+    m_data = data;
+    m_modified = true;
+}
+
+bool BinaryFile::encode(QByteArray &data, QString &)
+{
+    data = m_data;
+    return true;
+}
+
+void BinaryFile::clear()
+{
+    m_data.clear();
+    m_modified = false;
+}
+
+void BinaryFile::markSaved()
+{
+    m_modified = false;
+}
+
+Vela::Messages *BinaryFile::fileMessages() const
+{
+    return nullptr;
+}
+
+} // namespace Lantern

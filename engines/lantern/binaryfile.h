@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "lantern/contentfile.h"
+
+#include <QByteArray>
+
+namespace Lantern {
+
+/// A sprites or sounds file: bytes that only their editor understands.
+class BinaryFile : public ContentFile
+{
+public:
+    explicit BinaryFile(const char *extension);
+
+    QByteArray data() const;
+    void setData(const QByteArray &data);
+
+    bool isModified() const override;
+    bool isEmpty() const override;
+    /// There is no text to be found in it.
+    QList<SearchResult> search(const Vela::RegExp &expression, unsigned int flags) const override;
+    void replace(const QList<SearchResult> &results, const QString &text) override;
+
+    /// The property "Size", in bytes.
+    QStringList propertyNames() const override;
+    QVariant property(const QString &name) const override;
+    void setProperty(const QString &name, const QVariant &value) override;
+
+protected:
+    void decode(const QByteArray &data, bool again) override;
+    bool encode(QByteArray &data, QString &error) override;
+    void clear() override;
+    void markSaved() override;
+    Vela::Messages *fileMessages() const override;
+
+private:
+    QByteArray m_data;
+    bool m_modified = false;
+};
+
+} // namespace Lantern

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "frame/propertyitem.h"
+#include "project/filewatchobject.h"
+#include "project/projectfile.h"
+
+namespace Lantern {
+
+/// A file of a project: the reading and writing of bytes, which subclasses make content of. A file
+/// that was only attached to its name reads its content when that is first asked for.
+class ContentFile : public Vela::ProjectFile,
+                    public Vela::PropertyItem,
+                    public Vela::FileWatchObject
+{
+public:
+    /// A file above this size is not read.
+    static constexpr qint64 largestSize = 256 * 1024 * 1024;
+
+    /// Binds the file to its name without reading it.
+    void attach(Vela::Archive &archive, const QString &name);
+    bool isLoaded() const;
+
+    bool canSave() const override;
+    bool toFile(Vela::Archive &archive, const QString &name, unsigned int flags,
+                Vela::JobStats *stats) override;
+    bool fromFile(Vela::Archive &archive, const QString &name, unsigned int flags,
+                  Vela::JobStats *stats) override;
+    void reset() override;
+    QString fileName() const override;
+    const char *fileExtension() const override;
+
+    QString watchedFileName() const override;
+    /// Reads the file again. Changes that are not saved go only if the user says so.
+    void reload() override;
+
+protected:
+    /// \a extension is of this kind of file, without a dot.
+    explicit ContentFile(const char *extension);
+    void free() override;
+
+    /// Reads the content now if that has not happened.
+    void ensureLoaded() const;
+
+    /// Takes what was read, as a change that is not saved; with \a again it takes the place of the
+    /// content that stands.
+    virtual void decode(const QByteArray &data, bool again) = 0;
+    /// Returns the content as bytes; false with a reason in \a error if it has none.
+    virtual bool encode(QByteArray &data, QString &error) = 0;
+    /// Drops the content.
+    virtual void clear() = 0;
+    /// Called when the content stands in the file as it is.
+    virtual void markSaved() = 0;
+    /// Reports that reading or writing failed, for subclasses that have messages.
+    virtual void reportFailure(const QString &text);
+
+private:
+    bool fail(const QString &text, Vela::JobStats *stats);
+    bool contentBytes(QByteArray &data, QString &error);
+
+    const char *const m_extension;
+    QString m_name;
+    bool m_loaded = false;
+};
+
+/// Reads a whole file, if it is not above \a largest bytes. Returns false with a reason in
+/// \a error.
+bool readAll(Vela::Archive &archive, const QString &name, qint64 largest, QByteArray &data,
+             QString &error);
+
+} // namespace Lantern

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#include "lantern/parentproject.h"
+
+#include "lantern/definitionfile.h"
+#include "lantern/engine.h"
+#include "lantern/project.h"
+
+#include "frame/filesystemarchive.h"
+#include "project/messages.h"
+
+#include <QCoreApplication>
+
+namespace Lantern {
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Lantern)
+};
+
+QString folderOf(const QString &path)
+{
+    return path.left(qMax(path.lastIndexOf(QLatin1Char('/')), 0));
+}
+
+} // namespace
+
+ParentProject::ParentProject(const QString &root, const QString &gameFile, Engine *engine)
+    : Vela::ParentProject(root, Vela::FileSystemArchive::instance())
+    , m_engine(engine)
+    , m_gameFile(gameFile)
+{
+}
+
+ParentProject::~ParentProject()
+{
+    // While the base is whole: a project takes itself out of its parent.
+    qDeleteAll(findChildren<Vela::Project *>(QString(), Qt::FindDirectChildrenOnly));
+}
+
+bool ParentProject::openGame(QString *error)
+{
+    m_game = open(new DefinitionFile(Scope::Game), absolute(m_gameFile), error);
+    if (!m_game)
+        return false;
+    const QVector<FileEntry> entries = m_game->definition()->files();
+    for (const FileEntry &entry : entries) {
+        QString reason;
+        if (entry.type != Vela::Project::Main)
+            continue;
+        if (entry.closed)
+            showClosed(entry.path);
+        else if (!openMainFile(absolute(entry.path), &reason))
+            m_game->definition()->reportAt(entry, reason);
+    }
+    return true;
+}
+
+Project *ParentProject::openMainFile(const QString &fileName, QString *error)
+{
+    return open(new DefinitionFile(Scope::Project), fileName, error);
+}
+
+Project *ParentProject::openClosed(const QString &path, QString *error)
+{
+    QString folder = path;
+    while (folder.endsWith(QLatin1Char('/')))
+        folder.chop(1);
+    if (!m_closed.contains(folder))
+        folder = m_closed.key(folder);
+    const QString mainFile = m_closed.value(folder);
+    if (mainFile.isEmpty()) {
+        *error = Texts::tr("The game has no closed project '%1'.").arg(path);
+        return nullptr;
+    }
+    Project *const project = openMainFile(absolute(mainFile), error);
+    if (project)
+        m_closed.remove(folder);
+    return project;
+}
+
+Project *ParentProject::open(DefinitionFile *main, const QString &fileName, QString *error)
+{
+    if (main->fromFile(archive(), fileName, 0, nullptr))
+        return new Project(this, main);
+    *error = main->messages()->at(0, Vela::Message::Error).text;
+    main->release();
+    return nullptr;
+}
+
+Project *ParentProject::gameProject() const
+{
+    return m_game;
+}
+
+void ParentProject::projectReleased(Project *project)
+{
+    if (project == m_game)
+        m_game = nullptr;
+    else if (!m_gameFile.isEmpty())
+        showClosed(project->fileName().mid(absolute(QString()).size()));
+}
+
+void ParentProject::showClosed(const QString &mainFile)
+{
+    const QString folder = folderOf(mainFile);
+    m_closed.insert(folder, mainFile);
+    addPath(folder, ProjectRoot, {mainFile.mid(folder.size() + 1)});
+}
+
+Vela::Engine *ParentProject::engine() const
+{
+    return m_engine;
+}
+
+QString ParentProject::gameFile() const
+{
+    return m_gameFile.isEmpty() ? Engine::gameFileName() : m_gameFile;
+}
+
+void ParentProject::closedProjectFiles(const QString &path, QStringList &files) const
+{
+    QString folder = path;
+    while (folder.endsWith(QLatin1Char('/')))
+        folder.chop(1);
+    const QString mainFile = m_closed.value(folder);
+    QByteArray data;
+    QString error;
+    if (mainFile.isEmpty()
+        || !readAll(archive(), absolute(mainFile), ContentFile::largestSize, data, error))
+        return;
+    files.append(mainFile);
+    const Settings settings(Definition(TextContent(data).text()), Scope::Project);
+    QVector<Vela::Message> messages;
+    const QVector<FileEntry> entries =
+        existingFiles(archive(), absolute(folder), settings.files, messages);
+    for (const FileEntry &entry : entries) {
+        const QString file = folder + QLatin1Char('/') + entry.path;
+        if (!files.contains(file))
+            files.append(file);
+    }
+}
+
+void ParentProject::lastProjectClosed()
+{
+}
+
+// An empty path gives the root with its "/".
+QString ParentProject::absolute(const QString &path) const
+{
+    const QString root = basePath();
+    return root.endsWith(QLatin1Char('/')) ? QString(root + path)
+                                           : QString(root + QLatin1Char('/') + path);
+}
+
+} // namespace Lantern

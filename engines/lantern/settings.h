@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "project/message.h"
+
+#include <QPointF>
+#include <QSize>
+#include <QString>
+#include <QVector>
+
+namespace Lantern {
+
+class Definition;
+
+/// What a definition text describes: each has sections of its own.
+enum class Scope { Game, Project };
+
+/// The types of projects; the first is the one that the game's own file makes.
+enum ProjectType { GameProject, CharacterProject, StageProject, ScreenProject, SharedProject };
+constexpr int ProjectTypeCount = 5;
+
+/// Returns the word that stands for a type of project in a text; empty for none.
+QString projectTypeWord(int type);
+
+/// A file that a definition text names.
+struct FileEntry
+{
+    int type = 0;        ///< of Vela::Project::FileType; Main for a project of the game
+    bool closed = false; ///< a project that the game does not open by itself
+    QString path;        ///< relative to the text's folder, with "/", as the text spells it
+    int line = 0;
+    int column = 0;
+};
+
+/// The settings of a definition text as values, with what is wrong about them.
+class Settings
+{
+public:
+    Settings(const Definition &definition, Scope scope);
+
+    QString name;
+    QString author;
+    QString version;
+    int projectType = SharedProject;
+    QSize stageSize;    ///< in stage pixels; invalid where the text sets none
+    QPointF stageScale; ///< null where the text sets none
+    QVector<FileEntry> files;
+    QVector<Vela::Message> messages;
+};
+
+/// The version of the engine that this extension knows.
+constexpr int engineMajor = 1;
+constexpr int engineMinor = 0;
+
+} // namespace Lantern

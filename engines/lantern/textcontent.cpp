@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "lantern/textcontent.h"
+
+#include "frame/textcodecs.h"
+
+#include <algorithm>
+
+using Vela::TextCodecs;
+
+namespace Lantern {
+
+TextContent::TextContent(const QByteArray &data)
+{
+    m_text = TextCodecs::stringFromData(data, &m_codec);
+    m_hasMark = !mark().isEmpty() && data.startsWith(mark());
+    if (encoded() != data)
+        m_original = data;
+}
+
+QString TextContent::text() const
+{
+    return m_text;
+}
+
+void TextContent::replace(int offset, int length, const QString &text)
+{
+    m_text.replace(offset, length, text);
+    m_original.clear();
+}
+
+void TextContent::setText(const QString &text)
+{
+    m_text = text;
+    m_original.clear();
+}
+
+int TextContent::codec() const
+{
+    return m_codec;
+}
+
+void TextContent::setCodec(int codec)
+{
+    m_codec = codec;
+    m_hasMark = mark().size() > 0 && TextCodecs::name(codec) != "UTF-8";
+    m_original.clear();
+}
+
+TextContent::LineEnds TextContent::lineEnds() const
+{
+    int lf = 0;
+    int crLf = 0;
+    int cr = 0;
+    for (int i = 0; i < m_text.size(); ++i) {
+        if (m_text.at(i) == QLatin1Char('\n')) {
+            ++lf;
+        } else if (m_text.at(i) == QLatin1Char('\r')) {
+            const bool pair = i + 1 < m_text.size() && m_text.at(i + 1) == QLatin1Char('\n');
+            i += pair ? 1 : 0;
+            ++(pair ? crLf : cr);
+        }
+    }
+    if (lf + crLf + cr == 0)
+        return NoLineEnds;
+    if (std::max({lf, crLf, cr}) < lf + crLf + cr)
+        return MixedLineEnds;
+    return lf ? Lf : crLf ? CrLf : Cr;
+}
+
+void TextContent::setLineEnds(LineEnds lineEnds)
+{
+    if (lineEnds != Lf && lineEnds != CrLf && lineEnds != Cr)
+        return;
+    QString text = m_text;
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    if (lineEnds == CrLf)
+        text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+    else if (lineEnds == Cr)
+        text.replace(QLatin1Char('\n'), QLatin1Char('\r'));
+    setText(text);
+}
+
+bool TextContent::isDamaged() const
+{
+    return !m_original.isNull();
+}
+
+int TextContent::firstUnwritable() const
+{
+    if (isDamaged())
+        return -1;
+    int codec = m_codec;
+    const QString readBack =
+        TextCodecs::stringFromData(TextCodecs::stringToData(m_text, m_codec), &codec);
+    if (readBack == m_text)
+        return -1;
+    const auto differing =
+        std::mismatch(m_text.begin(), m_text.end(), readBack.begin(), readBack.end());
+    return int(differing.first - m_text.begin());
+}
+
+QByteArray TextContent::toData() const
+{
+    return isDamaged() ? m_original : encoded();
+}
+
+QByteArray TextContent::encoded() const
+{
+    QByteArray data = TextCodecs::stringToData(m_text, m_codec);
+    const QByteArray start = mark();
+    if (m_hasMark && !data.startsWith(start))
+        data.prepend(start);
+    else if (!m_hasMark && !start.isEmpty() && data.startsWith(start))
+        data.remove(0, start.size());
+    return data;
+}
+
+// The library puts a mark in front of UTF-16 and UTF-32 and none in front of UTF-8.
+QByteArray TextContent::mark() const
+{
+    const QByteArray name = TextCodecs::name(m_codec);
+    if (name == "UTF-8")
+        return QByteArrayLiteral("\xEF\xBB\xBF");
+    if (name.startsWith("UTF-16") || name.startsWith("UTF-32"))
+        return TextCodecs::stringToData(QString(), m_codec);
+    return QByteArray();
+}
+
+} // namespace Lantern
