@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: MIT
+#include "studio/colors.h"
+
+#include "studio/settings.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <algorithm>
+
+namespace Studio {
+
+namespace {
+
+// A stored format is a list of words: "#rrggbb" the text, "on:#rrggbb" what is behind it, and the
+// styles. The words keep the settings file readable.
+const QLatin1String backgroundWord("on:");
+const QLatin1String boldWord("bold");
+const QLatin1String italicWord("italic");
+const QLatin1String underlineWord("underline");
+
+QString colorKey(const QString &key)
+{
+    return QStringLiteral("color/") + key;
+}
+
+QString formatKey(const QString &key)
+{
+    return QStringLiteral("format/") + key;
+}
+
+const ColorInfo *find(const QString &key)
+{
+    const QVector<ColorInfo> &all = Colors::table();
+    const auto found = std::find_if(all.begin(), all.end(), [&key](const ColorInfo &color) {
+        return key == QLatin1String(color.key);
+    });
+    return found == all.end() ? nullptr : &*found;
+}
+
+QString toWords(const QTextCharFormat &format)
+{
+    QStringList words;
+    if (format.hasProperty(QTextFormat::ForegroundBrush))
+        words.append(format.foreground().color().name());
+    if (format.hasProperty(QTextFormat::BackgroundBrush))
+        words.append(backgroundWord + format.background().color().name());
+    if (format.fontWeight() > QFont::Normal)
+        words.append(boldWord);
+    if (format.fontItalic())
+        words.append(italicWord);
+    if (format.fontUnderline())
+        words.append(underlineWord);
+    return words.join(QLatin1Char(' '));
+}
+
+bool addWord(const QString &word, QTextCharFormat &format)
+{
+    if (word == boldWord) {
+        format.setFontWeight(QFont::Bold);
+    } else if (word == italicWord) {
+        format.setFontItalic(true);
+    } else if (word == underlineWord) {
+        format.setFontUnderline(true);
+    } else {
+        const bool background = word.startsWith(backgroundWord);
+        const QColor color(background ? word.mid(backgroundWord.size()) : word);
+        if (!color.isValid())
+            return false;
+        if (background)
+            format.setBackground(color);
+        else
+            format.setForeground(color);
+    }
+    return true;
+}
+
+// Returns false, with part of the format read, if a word has no meaning.
+bool fromWords(const QString &text, QTextCharFormat &format)
+{
+    const QStringList words = text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    return !words.isEmpty() && std::all_of(words.begin(), words.end(), [&](const QString &word) {
+        return addWord(word, format);
+    });
+}
+
+} // namespace
+
+const QVector<ColorInfo> &Colors::table()
+{
+    static const QVector<ColorInfo> colors = {
+        // text
+        {"foreground", ColorInfo::Text, 0xff1f2328, 0xffe3e6ea},
+        {"comment", ColorInfo::Text, 0xff57606a, 0xffaab4c0, ColorInfo::Italic},
+        {"keyword", ColorInfo::Text, 0xff0b4fa8, 0xff8cc4ff, ColorInfo::Bold},
+        {"section", ColorInfo::Text, 0xff6b21a8, 0xffdcb2ff, ColorInfo::Bold},
+        {"property", ColorInfo::Text, 0xff0f5a63, 0xff7fdbe6},
+        {"string", ColorInfo::Text, 0xff8a3300, 0xffffc08a},
+        {"number", ColorInfo::Text, 0xff0d5f2c, 0xff93e0a6},
+        {"function", ColorInfo::Text, 0xff5c4a00, 0xffecd98a},
+        {"operator", ColorInfo::Text, 0xff3d444d, 0xffc9d1d9},
+        {"line_number", ColorInfo::Text, 0xff57606a, 0xffaab4c0},
+        {"error", ColorInfo::Text, 0xffa8071a, 0xffffb3b8, ColorInfo::Underline},
+        {"warning", ColorInfo::Text, 0xff7a4a00, 0xffffd27f, ColorInfo::Underline},
+        {"information", ColorInfo::Text, 0xff0b4fa8, 0xff8cc4ff},
+        // behind text
+        {"background", ColorInfo::TextBackground, 0xffffffff, 0xff1e2126},
+        {"line", ColorInfo::TextBackground, 0xfff1f5fb, 0xff272b32},
+        {"block_range", ColorInfo::TextBackground, 0xffeaf0f6, 0xff2b3038},
+        {"paren_range", ColorInfo::TextBackground, 0xffdcefdc, 0xff28402f},
+        {"paren", ColorInfo::TextBackground, 0xfffff2b8, 0xff4a3f14, ColorInfo::Bold},
+        {"search", ColorInfo::TextBackground, 0xfffff2b8, 0xff4a3f14},
+        // over pictures
+        {"attackbox", ColorInfo::Mark, 0xffd92626, 0xffff5a5a},
+        {"collisionbox", ColorInfo::Mark, 0xff2563d9, 0xff6ea0ff},
+        {"crosshair_main", ColorInfo::Mark, 0xffc2187a, 0xffff6ec7},
+        {"crosshair_secondary", ColorInfo::Mark, 0xff0f7a3d, 0xff5fe08f},
+        {"crosshair_extra", ColorInfo::Mark, 0xff9a5b00, 0xffffb648},
+        {"back_start", ColorInfo::Mark, 0xffe6e9ee, 0xff3a3f47},
+        {"back_end", ColorInfo::Mark, 0xffc4cad3, 0xff24282e},
+    };
+    return colors;
+}
+
+bool Colors::isDark()
+{
+    return qobject_cast<QGuiApplication *>(QCoreApplication::instance())
+        && QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+}
+
+Colors::Colors(Settings &settings)
+    : m_settings(settings)
+{
+}
+
+QColor Colors::color(const QString &key) const
+{
+    const QColor chosen(m_settings.value(colorKey(key)).toString());
+    if (chosen.isValid())
+        return chosen;
+    const ColorInfo *info = find(key);
+    if (!info)
+        return QColor();
+    return QColor::fromRgba(isDark() ? info->dark : info->light);
+}
+
+void Colors::setColor(const QString &key, const QColor &color)
+{
+    if (color.isValid())
+        m_settings.setValue(colorKey(key), color.name(QColor::HexArgb));
+    else
+        m_settings.remove(colorKey(key));
+}
+
+QTextCharFormat Colors::format(const QString &key) const
+{
+    QTextCharFormat chosen;
+    if (fromWords(m_settings.value(formatKey(key)).toString(), chosen))
+        return chosen;
+    const ColorInfo *info = find(key);
+    QTextCharFormat standard;
+    if (!info)
+        return standard;
+    if (info->role == ColorInfo::TextBackground)
+        standard.setBackground(color(key));
+    else
+        standard.setForeground(color(key));
+    if (info->style & ColorInfo::Bold)
+        standard.setFontWeight(QFont::Bold);
+    if (info->style & ColorInfo::Italic)
+        standard.setFontItalic(true);
+    if (info->style & ColorInfo::Underline)
+        standard.setFontUnderline(true);
+    return standard;
+}
+
+void Colors::setFormat(const QString &key, const QTextCharFormat &format)
+{
+    m_settings.setValue(formatKey(key), toWords(format));
+}
+
+void Colors::resetFormat(const QString &key)
+{
+    m_settings.remove(formatKey(key));
+}
+
+} // namespace Studio
