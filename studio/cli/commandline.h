@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QFlags>
+#include <QString>
+#include <QStringList>
+
+namespace Studio {
+
+enum CallOption { Json = 1, DryRun = 2, Quiet = 4 };
+Q_DECLARE_FLAGS(CallOptions, CallOption)
+
+/// One call of a command, checked: it has as many arguments as the command takes, and no option
+/// that the command does not have.
+struct Call
+{
+    QStringList arguments;
+    CallOptions options;
+};
+
+/// One command of the program.
+struct Command
+{
+    const char *name;
+    const char *arguments; ///< their names as help shows them, separated by blanks
+    CallOptions options;
+    const char *summary;
+    const char *description;
+    int (*run)(const Call &call); ///< returns an ExitCode
+};
+
+/// The arguments of the program: a command, what it works on, and options in any order.
+class CommandLine
+{
+public:
+    enum Kind {
+        RunCommand,
+        ShowHelp,        ///< of the program
+        ShowCommandHelp, ///< of command()
+        ShowVersion,
+        WrongCall ///< error() says why
+    };
+
+    /// \a arguments begin with the program's name.
+    explicit CommandLine(const QStringList &arguments);
+
+    Kind kind() const;
+    QString error() const;
+    /// Returns the command that was named; null for none.
+    const Command *command() const;
+    const Call &call() const;
+    /// Returns the folder of the extension modules; empty where none was given.
+    QString extensions() const;
+
+    static QString help();
+    static QString help(const Command &command);
+    static QString version();
+
+private:
+    void parse(const QStringList &arguments);
+    void readCommand(QStringList words, bool helpWanted);
+    void fail(const QString &error);
+
+    Kind m_kind = ShowHelp;
+    QString m_error;
+    const Command *m_command = nullptr;
+    Call m_call;
+    QString m_extensions;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(CallOptions)
+
+} // namespace Studio

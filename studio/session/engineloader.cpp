@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "studio/session/engineloader.h"
+
+#include "engine/engine.h"
+#include "engine/engineextension.h"
+
+#include <algorithm>
+
+namespace Studio {
+
+EngineLoader::EngineLoader(const QString &folder)
+    : m_manager(folder)
+{
+}
+
+QList<Vela::Engine *> EngineLoader::engines()
+{
+    QList<Vela::Engine *> result;
+    const auto &extensions = Vela::ExtensionManager::list(Vela::Extension::EngineProvider);
+    for (Vela::Extension *extension : extensions) {
+        auto *provider = dynamic_cast<Vela::EngineExtension *>(extension);
+        if (provider && provider->engine())
+            result.append(provider->engine());
+    }
+    return result;
+}
+
+Vela::Engine *EngineLoader::engineFor(const QString &path)
+{
+    const QList<Vela::Engine *> all = engines();
+    const auto found = std::find_if(all.begin(), all.end(), [&path](const Vela::Engine *engine) {
+        return engine->canOpen(path);
+    });
+    return found == all.end() ? nullptr : *found;
+}
+
+} // namespace Studio
