@@ -26,7 +26,7 @@ install(TARGETS velacore EXPORT velacore
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/velacore)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/velacore)
-install(EXPORT velacore NAMESPACE Vela:: DESTINATION ${package_dir})
+install(EXPORT velacore FILE velacore-targets.cmake NAMESPACE Vela:: DESTINATION ${package_dir})
 configure_package_config_file(velacore-config.cmake.in velacore-config.cmake
     INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(velacore-config-version.cmake COMPATIBILITY SameMinorVersion)
@@ -35,6 +35,8 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/velacore-config-version.cmake
     DESTINATION ${package_dir})
 
+# The tree may be installed under another prefix than it was configured for, and moved.
+file(RELATIVE_PATH pkgconfig_to_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(velacore.pc.in velacore.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velacore.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
