@@ -145,7 +145,7 @@ QString fixFileCase(const QString &base, Archive &archive, const QString &path)
 
 QString absolutePathToRelative(const QString &path, const QString &base)
 {
-    const QString target = withForwardSlashes(path);
+    QString target = withForwardSlashes(path);
     QString folder = withForwardSlashes(base);
     if (!folder.endsWith(QLatin1Char('/')))
         folder += QLatin1Char('/');
