@@ -7,7 +7,6 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <QPointer>
-#include <algorithm>
 
 namespace Vela {
 
@@ -27,22 +26,22 @@ QPair<QDateTime, qint64> FileWatcherManager::stateOf(const QString &path)
 
 void FileWatcherManager::watch(FileWatchObject *object, const QString &path)
 {
-    if (object->watchedFileName() == path && isWatched(object, path)
-        && m_watcher.files().contains(path))
+    if (object->watchedFileName() == path && isWatched(object, path) && m_entries[path].listed)
         return;
     unwatch(object);
     if (path.isEmpty())
         return;
-    m_entries[path].objects.append(object);
+    object->m_entryPath = path;
+    Entry &entry = m_entries[path];
+    entry.objects.append(object);
     // The path of an entry that has objects is missing too, once its file has been removed.
-    addPathIfMissing(path);
+    list(path, entry);
 }
 
 void FileWatcherManager::unwatch(FileWatchObject *object)
 {
-    const auto entry = std::find_if(m_entries.begin(), m_entries.end(), [object](const Entry &e) {
-        return e.objects.contains(object);
-    });
+    const auto entry = m_entries.find(object->m_entryPath);
+    object->m_entryPath.clear();
     if (entry == m_entries.end())
         return;
     entry->objects.removeOne(object);
@@ -58,10 +57,11 @@ bool FileWatcherManager::isWatched(FileWatchObject *object, const QString &path)
     return entry != m_entries.constEnd() && entry->objects.contains(object);
 }
 
-void FileWatcherManager::addPathIfMissing(const QString &path)
+// The watcher's own list is searched name by name, so it is not asked for every file.
+void FileWatcherManager::list(const QString &path, Entry &entry)
 {
-    if (!m_watcher.files().contains(path))
-        m_watcher.addPath(path);
+    if (!entry.listed)
+        entry.listed = m_watcher.addPath(path);
 }
 
 void FileWatcherManager::fileChanged(const QString &path)
@@ -73,7 +73,8 @@ void FileWatcherManager::fileChanged(const QString &path)
 
     // A file that was replaced by renaming another one over it is no longer listed. This stands
     // in front of the question, so that a change during the question is seen as well.
-    addPathIfMissing(path);
+    entry->listed = m_watcher.files().contains(path);
+    list(path, *entry);
     if (!isHandled(path, *entry))
         return;
 

@@ -34,10 +34,11 @@ private:
     {
         QList<FileWatchObject *> objects;
         bool asking = false;
+        bool listed = false; ///< whether the watcher has the path, as far as it has told
     };
 
     bool isWatched(FileWatchObject *object, const QString &path) const;
-    void addPathIfMissing(const QString &path);
+    void list(const QString &path, Entry &entry);
     void fileChanged(const QString &path);
     bool isHandled(const QString &path, const Entry &entry) const;
     void offerReload(const QString &path, const QList<FileWatchObject *> &objects);

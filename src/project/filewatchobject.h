@@ -5,8 +5,7 @@
 
 #include <QDateTime>
 #include <QPair>
-
-class QString;
+#include <QString>
 
 namespace Vela {
 
@@ -41,6 +40,7 @@ private:
     Q_DISABLE_COPY(FileWatchObject)
     friend class FileWatcherManager;
 
+    QString m_entryPath; ///< where the manager lists this object; empty if nowhere
     bool m_ignoreChange = false;
     QPair<QDateTime, qint64> m_known; ///< the state of the file at the end of a pause
 };

@@ -16,8 +16,10 @@ MessageList::MessageList(Project *project)
 
 MessageList::~MessageList()
 {
-    for (Messages *const source : qAsConst(m_sources))
+    for (Messages *const source : qAsConst(m_sources)) {
         source->m_list = nullptr;
+        discount(source);
+    }
 }
 
 Project *MessageList::project() const
@@ -68,7 +70,7 @@ void MessageList::registerMessages(Messages *messages)
         messages->m_list = this;
         m_sources.append(messages);
     }
-    update();
+    sourceChanged(messages);
 }
 
 void MessageList::unregisterMessages(Messages *messages)
@@ -77,17 +79,41 @@ void MessageList::unregisterMessages(Messages *messages)
         return;
     messages->m_list = nullptr;
     m_sources.removeOne(messages);
-    update();
+    discount(messages);
+    resetRows();
+}
+
+void MessageList::sourceChanged(Messages *messages)
+{
+    recount(messages);
+    resetRows();
+}
+
+void MessageList::recount(Messages *messages)
+{
+    discount(messages);
+    for (const Message::Type type : {Message::Error, Message::Warning, Message::Information}) {
+        messages->m_counted[type] = static_cast<unsigned int>(messages->count(type));
+        m_counts[type] += messages->m_counted[type];
+    }
+}
+
+void MessageList::discount(Messages *messages)
+{
+    for (const Message::Type type : {Message::Error, Message::Warning, Message::Information}) {
+        m_counts[type] -= messages->m_counted[type];
+        messages->m_counted[type] = 0;
+    }
 }
 
 unsigned int MessageList::errorCount() const
 {
-    return m_errorCount;
+    return m_counts[Message::Error];
 }
 
 unsigned int MessageList::warningCount() const
 {
-    return m_warningCount;
+    return m_counts[Message::Warning];
 }
 
 Message MessageList::messageAt(int row, const Messages *&source) const
@@ -107,25 +133,23 @@ Message MessageList::messageAt(int row, const Messages *&source) const
 
 void MessageList::update()
 {
+    // A copy, because counting may run code of the file's own.
+    const QList<Messages *> sources = m_sources;
+    for (Messages *const source : sources)
+        recount(source);
+    resetRows();
+}
+
+void MessageList::resetRows()
+{
     if (m_rowCount != 0) {
         beginRemoveRows(QModelIndex(), 0, m_rowCount - 1);
         m_rowCount = 0;
         endRemoveRows();
     }
-
-    unsigned int counts[] = {0, 0, 0};
-    // A copy, because counting may run code of the file's own.
-    const QList<Messages *> sources = m_sources;
-    for (const Messages *const source : sources) {
-        for (const Message::Type type : {Message::Error, Message::Warning, Message::Information})
-            counts[type] += static_cast<unsigned int>(source->count(type));
-    }
-    m_errorCount = counts[Message::Error];
-    m_warningCount = counts[Message::Warning];
-    m_informationCount = counts[Message::Information];
-
-    const unsigned int all = m_errorCount + m_warningCount + m_informationCount;
-    const int rows = static_cast<int>(m_filter == Message::Any ? all : counts[m_filter]);
+    const unsigned int all =
+        m_counts[Message::Error] + m_counts[Message::Warning] + m_counts[Message::Information];
+    const int rows = static_cast<int>(m_filter == Message::Any ? all : m_counts[m_filter]);
     if (rows != 0) {
         beginInsertRows(QModelIndex(), 0, rows - 1);
         m_rowCount = rows;

@@ -48,11 +48,18 @@ Q_SIGNALS:
     void updated();
 
 private:
+    friend class Messages;
+
+    /// Counts one source anew, which is enough when only that one has changed: a project of many
+    /// files registers a source for each.
+    void sourceChanged(Messages *messages);
+    void recount(Messages *messages);
+    void discount(Messages *messages);
+    void resetRows();
+
     Project *m_project;
     QList<Messages *> m_sources;
-    unsigned int m_errorCount = 0;
-    unsigned int m_warningCount = 0;
-    unsigned int m_informationCount = 0;
+    unsigned int m_counts[3] = {0, 0, 0}; ///< by type
     int m_rowCount = 0;
     Message::Type m_filter = Message::Any;
 };

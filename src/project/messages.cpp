@@ -55,7 +55,7 @@ QIcon Messages::icon(Message::Type type)
 void Messages::notifyUpdate()
 {
     if (m_list)
-        m_list->update();
+        m_list->sourceChanged(this);
 }
 
 } // namespace Vela

@@ -43,6 +43,7 @@ private:
     static QIcon icon(Message::Type type);
 
     MessageList *m_list = nullptr;
+    unsigned int m_counted[3] = {0, 0, 0}; ///< what the list has counted, by type
 };
 
 } // namespace Vela
