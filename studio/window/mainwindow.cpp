@@ -1,0 +1,416 @@
+// SPDX-License-Identifier: MIT
+#include "studio/window/mainwindow.h"
+
+#include "engine/engine.h"
+#include "frame/menu.h"
+#include "project/filesaver.h"
+#include "project/parentproject.h"
+#include "project/project.h"
+#include "project/projectfile.h"
+#include "studio/host.h"
+#include "studio/session/engineloader.h"
+#include "studio/window/filesavedialog.h"
+#include "studio/window/fileview.h"
+#include "studio/window/messagesdock.h"
+#include "studio/window/projectdock.h"
+#include "studio/window/propertiesdock.h"
+#include "studio/window/statusfields.h"
+#include "studio/window/textpreview.h"
+#include "studio/window/welcomepage.h"
+#include "studio/window/windowactions.h"
+
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace Studio {
+
+namespace {
+
+const QString geometryKey = QStringLiteral("window/geometry");
+const QString layoutKey = QStringLiteral("window/layout");
+constexpr int LayoutVersion = 1;
+constexpr int MessageTime = 6000; // ms that a note stays in the status bar
+
+/// Returns the one local file or folder that is dragged, or an empty path.
+QString draggedPath(const QMimeData &data)
+{
+    const QList<QUrl> urls = data.urls();
+    return urls.size() == 1 ? urls.first().toLocalFile() : QString();
+}
+
+/// Returns the main file that stands highest in the tree, the first one by name.
+QString firstMainFile(const Vela::ParentProject &parent, const OpenFiles &files)
+{
+    const auto depth = [](const QString &path) { return path.count(QLatin1Char('/')); };
+    QString first;
+    const QList<Vela::Project *> projects = parent.openedProjects();
+    for (const Vela::Project *project : projects) {
+        const QString path = files.path(project->mainFile());
+        if (first.isEmpty() || qMakePair(depth(path), path) < qMakePair(depth(first), first))
+            first = path;
+    }
+    return first;
+}
+
+} // namespace
+
+MainWindow::MainWindow(Host &host, QWidget *parent)
+    : QMainWindow(parent)
+    , m_host(host)
+    , m_recent(host)
+    , m_commands(new ProjectCommands(host, m_recent, this))
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setWindowIcon(QIcon(QStringLiteral(":/studio/icons/vela-128.png")));
+    setAcceptDrops(true);
+    setDockNestingEnabled(true);
+    m_host.setMainWindow(this);
+    for (int type = -1; type <= Vela::Project::Scripts; ++type) {
+        m_savers.push_back(std::make_unique<FileSaveDialog>(host, type));
+        m_host.registerFileSaver(type, m_savers.back().get());
+    }
+    m_contentTimer.setSingleShot(true);
+    connect(&m_contentTimer, &QTimer::timeout, this, &MainWindow::updateContent);
+
+    makeActions();
+    makeCentre();
+    makeDocks();
+    makeMenus();
+    makeToolBar();
+    makeStatusBar();
+    connectProject();
+    connectDocks();
+    restoreLayout();
+    updateAll();
+}
+
+MainWindow::~MainWindow()
+{
+    m_reader.stop();
+    onAboutToClose();
+    delete m_commands;
+    for (int type = -1; type <= Vela::Project::Scripts; ++type)
+        m_host.registerFileSaver(type, nullptr);
+    m_host.disconnect(this);
+    m_host.setMainWindow(nullptr);
+}
+
+Host &MainWindow::host() const
+{
+    return m_host;
+}
+
+ProjectCommands &MainWindow::commands()
+{
+    return *m_commands;
+}
+
+const OpenFiles &MainWindow::files() const
+{
+    return m_files;
+}
+
+RecentProjects &MainWindow::recentProjects()
+{
+    return m_recent;
+}
+
+bool MainWindow::openProject(const QString &path)
+{
+    return m_commands->open(path);
+}
+
+void MainWindow::makeCentre()
+{
+    const QList<QAction *> steps{m_host.action("new"), m_host.action("open")};
+    m_welcome = new WelcomePage(m_recent, steps);
+    m_view = new FileView;
+    m_centre = new QStackedWidget;
+    m_centre->addWidget(m_welcome);
+    m_centre->addWidget(m_view);
+    setCentralWidget(m_centre);
+    // An open project whose folder is gone can still be dropped from the list: opening says why.
+    connect(m_welcome, &WelcomePage::projectWanted, this, &MainWindow::openProject);
+    connect(m_view, &FileView::positionChanged, this, &MainWindow::updateStatus);
+}
+
+void MainWindow::makeDocks()
+{
+    m_projectDock = new ProjectDock(m_files);
+    m_propertiesDock = new PropertiesDock;
+    m_messagesDock = new MessagesDock(m_host);
+    m_output = new QPlainTextEdit;
+    m_output->setObjectName(QStringLiteral("output"));
+    m_output->setAccessibleName(tr("Output"));
+    m_output->setReadOnly(true);
+    m_output->setFrameShape(QFrame::NoFrame);
+    m_output->setMaximumBlockCount(5000);
+    auto *outputDock = new QDockWidget(tr("Output"));
+    outputDock->setObjectName(QStringLiteral("outputDock"));
+    outputDock->setWidget(m_output);
+
+    addDockWidget(Qt::LeftDockWidgetArea, m_projectDock);
+    addDockWidget(Qt::RightDockWidgetArea, m_propertiesDock);
+    addDockWidget(Qt::BottomDockWidgetArea, m_messagesDock);
+    tabifyDockWidget(m_messagesDock, outputDock);
+    m_messagesDock->raise();
+    resizeDocks({m_projectDock, m_propertiesDock}, {260, 280}, Qt::Horizontal);
+    resizeDocks({m_messagesDock}, {190}, Qt::Vertical);
+}
+
+void MainWindow::makeToolBar()
+{
+    auto *bar = new QToolBar(tr("Main tool bar"));
+    bar->setObjectName(QStringLiteral("mainToolBar"));
+    addToolBar(bar);
+    const char *menu = nullptr;
+    for (const WindowAction &row : WindowAction::table()) {
+        if (row.place != WindowAction::OnToolBar)
+            continue;
+        if (menu && qstrcmp(menu, row.menu) != 0)
+            bar->addSeparator();
+        menu = row.menu;
+        bar->addAction(m_host.action(row.key));
+    }
+    m_host.menu("menu_view")->addAction(bar->toggleViewAction());
+}
+
+void MainWindow::makeStatusBar()
+{
+    m_readProgress = new QProgressBar;
+    m_readProgress->setObjectName(QStringLiteral("readProgress"));
+    m_readProgress->setAccessibleName(tr("Reading the project's files"));
+    m_readProgress->setMaximumWidth(220);
+    m_readProgress->setFormat(tr("Reading files: %p %"));
+    m_stopReading = new QToolButton;
+    m_stopReading->setObjectName(QStringLiteral("stopReading"));
+    m_stopReading->setIcon(m_host.icon(QStringLiteral("stop")));
+    m_stopReading->setAutoRaise(true);
+    m_stopReading->setToolTip(tr("Stop reading files; their messages come when they are opened"));
+    m_stopReading->setAccessibleName(tr("Stop reading files"));
+    statusBar()->addPermanentWidget(m_readProgress);
+    statusBar()->addPermanentWidget(m_stopReading);
+    m_readProgress->hide();
+    m_stopReading->hide();
+    m_fields = new StatusFields(statusBar());
+    connect(m_fields, &StatusFields::activated, this, &MainWindow::onStatusField);
+    connect(m_stopReading, &QToolButton::clicked, this, [this] {
+        m_reader.stop();
+        onReadProgress(0, 0);
+        m_commands->offerRecovery();
+    });
+}
+
+void MainWindow::connectProject()
+{
+    connect(m_commands, &ProjectCommands::opened, this, &MainWindow::onOpened);
+    connect(m_commands, &ProjectCommands::aboutToClose, this, &MainWindow::onAboutToClose);
+    connect(m_commands, &ProjectCommands::closed, this, &MainWindow::updateAll);
+    connect(m_commands, &ProjectCommands::contentsChanged, this, &MainWindow::refresh);
+    connect(m_commands, &ProjectCommands::done, this,
+            [this](const QString &text) { statusBar()->showMessage(text, MessageTime); });
+    connect(&m_files, &OpenFiles::filesChanged, this, [this] {
+        m_messagesDock->model()->followProjects();
+        setCurrentFile(m_current);
+    });
+    connect(&m_files, &OpenFiles::modifiedChanged, this, &MainWindow::updateTitle);
+    connect(&m_files, &OpenFiles::contentChanged, this, [this](const QString &path) {
+        // The file says so before it has its new content.
+        if (path == m_current)
+            m_contentTimer.start(0);
+    });
+    connect(&m_files, &OpenFiles::fileGone, this, &MainWindow::onFileGone);
+    connect(&m_reader, &BackgroundReader::progressed, this, &MainWindow::onReadProgress);
+    connect(&m_reader, &BackgroundReader::finished, m_commands, &ProjectCommands::offerRecovery);
+    connect(&m_host, &Host::projectsRefreshed, this, &MainWindow::refresh);
+    connect(&m_host, &Host::statusChanged, m_fields, &StatusFields::setText);
+    connect(&m_host, &Host::logged, m_output, &QPlainTextEdit::appendPlainText);
+    connect(&m_host, &Host::fileRequested, this,
+            [this](const Vela::ProjectFile *file, unsigned int line, unsigned int column) {
+                goToPlace(m_files.path(file), line, column);
+            });
+}
+
+void MainWindow::connectDocks()
+{
+    connect(m_projectDock, &ProjectDock::pathChosen, this, [this](const QString &path) {
+        if (m_files.file(path))
+            setCurrentFile(path);
+    });
+    connect(m_projectDock, &ProjectDock::pathActivated, this, [this](const QString &path) {
+        if (m_files.isClosedProject(path))
+            m_commands->openClosedProject(path);
+        else if (m_view->textPreview())
+            m_view->textPreview()->setFocus();
+    });
+    connect(m_projectDock, &ProjectDock::openProjectWanted, m_commands,
+            &ProjectCommands::openClosedProject);
+    connect(m_projectDock, &ProjectDock::closeProjectWanted, m_commands,
+            &ProjectCommands::closeProject);
+    connect(m_projectDock, &ProjectDock::showInFolderWanted, this, &MainWindow::showInFolder);
+    connect(m_projectDock, &ProjectDock::copyPathWanted, this, &MainWindow::copyPath);
+    connect(m_messagesDock, &MessagesDock::placeWanted, this, &MainWindow::goToPlace);
+    connect(m_propertiesDock->model(), &PropertiesModel::edited, this, &MainWindow::refresh);
+}
+
+void MainWindow::onOpened(Vela::ParentProject *parent)
+{
+    m_files.setParentProject(parent);
+    m_projectDock->setParentProject(parent);
+    m_messagesDock->model()->setParentProject(parent);
+    m_centre->setCurrentWidget(m_view);
+    m_reader.start(*parent);
+    setCurrentFile(firstMainFile(*parent, m_files));
+    updateAll();
+}
+
+void MainWindow::onAboutToClose()
+{
+    m_reader.stop();
+    onReadProgress(0, 0);
+    m_contentTimer.stop();
+    setCurrentFile(QString());
+    m_projectDock->setParentProject(nullptr);
+    m_messagesDock->model()->setParentProject(nullptr);
+    m_files.setParentProject(nullptr);
+    m_centre->setCurrentWidget(m_welcome);
+}
+
+void MainWindow::onFileGone(Vela::ProjectFile *file)
+{
+    m_reader.forget(file);
+    if (m_view->file() == file)
+        setCurrentFile(QString());
+}
+
+void MainWindow::onReadProgress(int done, int total)
+{
+    const bool running = done < total;
+    m_readProgress->setMaximum(qMax(1, total));
+    m_readProgress->setValue(done);
+    m_readProgress->setVisible(running);
+    m_stopReading->setVisible(running);
+}
+
+void MainWindow::setCurrentFile(const QString &path)
+{
+    Vela::ProjectFile *file = path.isEmpty() ? nullptr : m_files.file(path);
+    m_current = file ? path : QString();
+    if (file == m_view->file())
+        return;
+    m_view->setFile(file, m_current);
+    m_propertiesDock->setFile(file);
+    if (file)
+        m_projectDock->select(path);
+    if (file && file->project())
+        m_host.setCurrentProject(file->project());
+    updateActions();
+    updateStatus();
+}
+
+QString MainWindow::currentPath() const
+{
+    return m_current;
+}
+
+void MainWindow::goToPlace(const QString &path, unsigned int line, unsigned int column)
+{
+    if (!m_files.file(path))
+        return;
+    setCurrentFile(path);
+    m_view->goTo(int(line), int(column));
+    if (m_view->textPreview())
+        m_view->textPreview()->setFocus();
+}
+
+void MainWindow::refresh()
+{
+    m_files.refresh();
+    m_messagesDock->model()->followProjects();
+    m_contentTimer.start(0);
+}
+
+void MainWindow::updateContent()
+{
+    m_files.refresh();
+    m_view->refresh();
+    m_view->setModifiedMark(m_files.isModified(m_current));
+    m_propertiesDock->model()->refresh();
+    updateStatus();
+}
+
+void MainWindow::updateAll()
+{
+    updateTitle();
+    updateActions();
+    updateStatus();
+}
+
+void MainWindow::updateTitle()
+{
+    const ProjectSession *session = m_commands->session();
+    const QString name = session ? QFileInfo(rootPath(*session->parent())).fileName() : QString();
+    const QString program = QStringLiteral("Vela Studio");
+    setWindowTitle(name.isEmpty() ? program
+                                  : QString(name + QStringLiteral("[*] \u2013 ") + program));
+    setWindowModified(!m_files.modified().isEmpty());
+    m_view->setModifiedMark(m_files.isModified(m_current));
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_commands->isBusy() || !m_commands->mayLeave()) {
+        event->ignore();
+        return;
+    }
+    m_host.setOption(geometryKey, saveGeometry());
+    m_host.setOption(layoutKey, saveState(LayoutVersion));
+    event->accept();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        m_files.refresh();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    const QString path = draggedPath(*event->mimeData());
+    if (!path.isEmpty() && !m_commands->isBusy() && EngineLoader::engineFor(path))
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QString path = draggedPath(*event->mimeData());
+    if (path.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // The program that the folder comes from waits until this returns: questions come later.
+    QTimer::singleShot(0, this, [this, path] { openProject(path); });
+}
+
+void MainWindow::restoreLayout()
+{
+    m_defaultLayout = saveState(LayoutVersion);
+    if (!restoreGeometry(m_host.option(geometryKey, QByteArray()).toByteArray()))
+        resize(m_host.scaleToDPI(1280), m_host.scaleToDPI(800));
+    restoreState(m_host.option(layoutKey, QByteArray()).toByteArray(), LayoutVersion);
+}
+
+void MainWindow::resetLayout()
+{
+    restoreState(m_defaultLayout, LayoutVersion);
+}
+
+} // namespace Studio

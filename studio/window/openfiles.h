@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QStringList>
+#include <QTimer>
+
+namespace Vela {
+class ParentProject;
+class ProjectFile;
+} // namespace Vela
+
+namespace Studio {
+
+/// The files of the opened projects by their paths relative to the root, and which of them have
+/// unsaved changes. A file tells nobody that it became modified, so its state is looked at twice a
+/// second and whenever somebody calls refresh().
+class OpenFiles : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit OpenFiles(QObject *parent = nullptr);
+
+    /// Follows another parent project, which must live until the next call; null follows none.
+    void setParentProject(Vela::ParentProject *parent);
+
+    /// Returns null for a path that is no open file.
+    Vela::ProjectFile *file(const QString &path) const;
+    /// Returns an empty path for a file that is not open here.
+    QString path(const Vela::ProjectFile *file) const;
+    int count() const;
+    bool isModified(const QString &path) const;
+    /// Returns the modified files, sorted.
+    QStringList modified() const;
+    /// Returns whether \a path is the root of a project that is shown but not open.
+    bool isClosedProject(const QString &path) const;
+
+    /// Looks for modified files now.
+    void refresh();
+
+Q_SIGNALS:
+    /// The set of files, or of closed projects, is another.
+    void filesChanged();
+    /// These files became modified, or are it no longer.
+    void modifiedChanged(const QStringList &paths);
+    /// A file was read from, or written to, its store.
+    void contentChanged(const QString &path);
+    /// A file is about to go; it is not among the files any more.
+    void fileGone(Vela::ProjectFile *file);
+
+private:
+    void collect();
+    void onAccess(Vela::ProjectFile *file);
+    void onClosed(Vela::ProjectFile *file);
+
+    Vela::ParentProject *m_parent = nullptr;
+    QHash<QString, Vela::ProjectFile *> m_files;
+    QHash<const Vela::ProjectFile *, QString> m_paths;
+    QSet<QString> m_modified;
+    QSet<QString> m_closed;
+    QTimer m_collectLater;
+    QTimer m_lookAgain;
+};
+
+} // namespace Studio

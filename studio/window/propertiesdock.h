@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "studio/window/propertiesmodel.h"
+
+#include <QDockWidget>
+
+class QLabel;
+class QTreeView;
+
+namespace Vela {
+class ProjectFile;
+}
+
+namespace Studio {
+
+/// The properties of the current file.
+class PropertiesDock : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PropertiesDock(QWidget *parent = nullptr);
+
+    /// Shows the properties of \a file, which must live until the next call; null shows none.
+    void setFile(Vela::ProjectFile *file);
+    PropertiesModel *model();
+    QTreeView *view() const;
+
+private:
+    PropertiesModel m_model;
+    QTreeView *m_view;
+    QLabel *m_nothing;
+};
+
+} // namespace Studio

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+#include "studio/window/screenshottour.h"
+
+#include "project/parentproject.h"
+#include "project/project.h"
+#include "studio/host.h"
+#include "studio/window/mainwindow.h"
+#include "studio/window/messagesdock.h"
+#include "studio/window/propertiesdock.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QEventLoop>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QScreen>
+#include <QTreeView>
+
+namespace Studio {
+
+namespace {
+
+constexpr int SettleTime = 400; // ms until everything is painted and read
+
+void settle()
+{
+    QEventLoop loop;
+    QTimer::singleShot(SettleTime, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+QPalette darkPalette()
+{
+    const QColor window(0x2b, 0x2d, 0x30);
+    const QColor base(0x1e, 0x1f, 0x22);
+    const QColor text(0xdf, 0xe1, 0xe5);
+    QPalette dark(text, window, QColor(0x4a, 0x4d, 0x52), QColor(0x18, 0x19, 0x1b),
+                  QColor(0x3c, 0x3f, 0x43), text, Qt::white, base, window);
+    dark.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
+    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x6d, 0xb5));
+    dark.setColor(QPalette::HighlightedText, Qt::white);
+    dark.setColor(QPalette::ToolTipBase, window);
+    dark.setColor(QPalette::ToolTipText, text);
+    dark.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9d, 0xa3));
+    dark.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xf0));
+    const QColor weak(0x7d, 0x80, 0x86);
+    dark.setColor(QPalette::Disabled, QPalette::Text, weak);
+    dark.setColor(QPalette::Disabled, QPalette::WindowText, weak);
+    dark.setColor(QPalette::Disabled, QPalette::ButtonText, weak);
+    return dark;
+}
+
+} // namespace
+
+ScreenshotTour::ScreenshotTour(MainWindow &window, const QString &folder)
+    : m_window(window)
+    , m_folder(folder)
+{
+}
+
+QStringList ScreenshotTour::run(const QString &path)
+{
+    if (!QDir().mkpath(m_folder))
+        return {tr("%1: the folder cannot be made").arg(m_folder)};
+    m_window.setGeometry(m_window.screen()->availableGeometry());
+    m_window.show();
+    settle();
+    take(QStringLiteral("welcome"));
+    takeDialog(QStringLiteral("new-project"), "new");
+    if (path.isEmpty())
+        return m_errors;
+    if (!m_window.openProject(path))
+        return {tr("%1: cannot be opened").arg(path)};
+    showProject();
+    showDialogs();
+    showDark();
+    m_window.close();
+    return m_errors;
+}
+
+void ScreenshotTour::showProject()
+{
+    m_window.findChild<QTreeView *>(QStringLiteral("projectTree"))->expandAll();
+    settle();
+    take(QStringLiteral("project"));
+    m_window.host().action("next_message")->trigger();
+    settle();
+    take(QStringLiteral("message"));
+    if (selectImage())
+        take(QStringLiteral("image"));
+    makeBackup();
+    editProperty();
+    take(QStringLiteral("unsaved"));
+}
+
+void ScreenshotTour::showDialogs()
+{
+    takeDialog(QStringLiteral("backups"), "restore");
+    takeDialog(QStringLiteral("settings"), "settings", QString(), 1);
+    takeDialog(QStringLiteral("shortcuts"), "settings", QString(), 4);
+    takeDialog(QStringLiteral("command-palette"), "palette", QStringLiteral("re"));
+    takeDialog(QStringLiteral("unsaved-question"), "close");
+}
+
+void ScreenshotTour::showDark()
+{
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(darkPalette());
+    settle();
+    take(QStringLiteral("dark"));
+    takeDialog(QStringLiteral("dark-shortcuts"), "settings", QString(), 4);
+    QApplication::setPalette(light);
+    m_window.commands().save();
+}
+
+void ScreenshotTour::take(const QString &name)
+{
+    QPixmap picture = m_window.screen()->grabWindow(0);
+    if (picture.isNull()) {
+        const QWidget *dialog = QApplication::activeModalWidget();
+        picture = const_cast<QWidget *>(dialog ? dialog : &m_window)->grab();
+    }
+    const QString file = QStringLiteral("%1/%2-%3.png")
+                             .arg(m_folder)
+                             .arg(++m_count, 2, 10, QLatin1Char('0'))
+                             .arg(name);
+    if (!picture.save(file))
+        m_errors.append(tr("%1: cannot be written").arg(file));
+}
+
+void ScreenshotTour::takeDialog(const QString &name, const char *action, const QString &typed,
+                                int page)
+{
+    bool shown = false;
+    QTimer::singleShot(SettleTime, this, [this, name, typed, page, &shown] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        if (!dialog)
+            return;
+        shown = true;
+        if (auto *edit = dialog->findChild<QLineEdit *>())
+            edit->setText(typed.isEmpty() ? edit->text() : typed);
+        if (auto *pages = dialog->findChild<QListWidget *>(QStringLiteral("pageList")))
+            pages->setCurrentRow(page);
+        settle();
+        take(name);
+        static_cast<QDialog *>(dialog)->reject();
+    });
+    m_window.host().action(action)->trigger();
+    settle();
+    if (!shown)
+        m_errors.append(tr("%1: no dialog came").arg(name));
+}
+
+void ScreenshotTour::makeBackup()
+{
+    const CopyResult result =
+        m_window.commands().session()->backup(QStringLiteral("before-the-change"), nullptr);
+    m_errors += result.errors;
+}
+
+void ScreenshotTour::editProperty()
+{
+    const QList<Vela::Project *> projects = parentProject().openedProjects();
+    m_window.setCurrentFile(m_window.files().path(projects.last()->mainFile()));
+    auto *view = m_window.findChild<QTreeView *>(QStringLiteral("properties"));
+    QAbstractItemModel *model = view->model();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        if (model->index(row, PropertiesModel::NameColumn).data().toString()
+            == QLatin1String("Encoding"))
+            model->setData(model->index(row, PropertiesModel::ValueColumn),
+                           QStringLiteral("UTF-16"));
+    }
+    settle();
+}
+
+bool ScreenshotTour::selectImage()
+{
+    const QList<Vela::Project *> projects = parentProject().openedProjects();
+    for (const Vela::Project *project : projects) {
+        if (const Vela::ProjectFile *image = project->file(Vela::Project::Sprites)) {
+            m_window.setCurrentFile(m_window.files().path(image));
+            settle();
+            return true;
+        }
+    }
+    return false;
+}
+
+const Vela::ParentProject &ScreenshotTour::parentProject()
+{
+    return *m_window.commands().session()->parent();
+}
+
+} // namespace Studio

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+namespace Vela {
+class ParentProject;
+}
+
+namespace Studio {
+
+class MainWindow;
+
+/// Drives the window through its main states as a user would and leaves a picture of each.
+class ScreenshotTour : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Pictures go to \a folder, which is made if it is missing.
+    ScreenshotTour(MainWindow &window, const QString &folder);
+
+    /// Runs the tour on the project at \a path, which it changes, saves and backs up; without a
+    /// path only what needs none is shown. Returns what went wrong; empty if nothing did.
+    QStringList run(const QString &path);
+
+private:
+    void showProject();
+    void showDialogs();
+    void showDark();
+    /// Takes a picture of the window, or of the whole screen where a dialog is open.
+    void take(const QString &name);
+    /// Triggers an action that runs a dialog, takes a picture of that and closes it. Before the
+    /// picture \a typed goes into its first line edit and the page \a page of its list is shown.
+    void takeDialog(const QString &name, const char *action, const QString &typed = QString(),
+                    int page = 0);
+    void makeBackup();
+    void editProperty();
+    bool selectImage();
+    const Vela::ParentProject &parentProject();
+
+    MainWindow &m_window;
+    QString m_folder;
+    QStringList m_errors;
+    int m_count = 0;
+};
+
+} // namespace Studio

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDialog>
+#include <memory>
+
+namespace Ui {
+class SettingsDialog;
+}
+
+namespace Studio {
+
+class ActionRegistry;
+class Settings;
+struct SettingInfo;
+
+/// The user's settings, on pages made from the table of the known ones. Every change is stored at
+/// once, so the dialog has nothing to accept or to reject.
+class SettingsDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    SettingsDialog(Settings &settings, ActionRegistry &actions, QWidget *parent);
+    ~SettingsDialog() override;
+
+    /// Shows the page of that name in the list.
+    void showPage(int row);
+
+private:
+    void makePages();
+    void addPage(const QString &title, QWidget *page);
+    QWidget *makePage(int page);
+    QWidget *makeEditor(const SettingInfo &info);
+    void exportSettings();
+    void importSettings();
+
+    Settings &m_settings;
+    ActionRegistry &m_actions;
+    std::unique_ptr<Ui::SettingsDialog> m_ui;
+};
+
+} // namespace Studio

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+#include "studio/window/textpreview.h"
+
+#include <QFontDatabase>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QTextBlock>
+
+namespace Studio {
+
+namespace {
+
+constexpr int MarginPadding = 8; // pixels at either side of a line's number
+
+} // namespace
+
+TextPreview::TextPreview(QWidget *parent)
+    : QPlainTextEdit(parent)
+    , m_margin(new QWidget(this))
+{
+    setReadOnly(true);
+    // A text that is only read still has a cursor, so that the keyboard can reach all of it.
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    setTabStopDistance(4 * fontMetrics().horizontalAdvance(QLatin1Char(' ')));
+    setFrameShape(QFrame::NoFrame);
+    m_margin->installEventFilter(this);
+    connect(this, &QPlainTextEdit::blockCountChanged, this, &TextPreview::placeMargin);
+    connect(this, &QPlainTextEdit::updateRequest, this, &TextPreview::scrollMargin);
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, &TextPreview::markLine);
+    placeMargin();
+}
+
+void TextPreview::goTo(int line, int column)
+{
+    const QTextBlock block =
+        document()->findBlockByNumber(qBound(0, line, document()->blockCount() - 1));
+    QTextCursor cursor(block);
+    cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::MoveAnchor,
+                        qBound(0, column, block.length() - 1));
+    setTextCursor(cursor);
+    centerCursor();
+    markLine();
+}
+
+void TextPreview::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    placeMargin();
+}
+
+void TextPreview::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        placeMargin();
+    else if (event->type() == QEvent::PaletteChange)
+        markLine();
+}
+
+bool TextPreview::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_margin || event->type() != QEvent::Paint)
+        return QPlainTextEdit::eventFilter(watched, event);
+    paintMargin(static_cast<QPaintEvent *>(event)->rect());
+    return true;
+}
+
+int TextPreview::marginWidth() const
+{
+    const int digits = QString::number(qMax(99, blockCount())).size();
+    return 2 * MarginPadding + digits * fontMetrics().horizontalAdvance(QLatin1Char('9'));
+}
+
+void TextPreview::placeMargin()
+{
+    setViewportMargins(marginWidth(), 0, 0, 0);
+    const QRect area = contentsRect();
+    m_margin->setGeometry(area.left(), area.top(), marginWidth(), area.height());
+}
+
+void TextPreview::scrollMargin(const QRect &rect, int dy)
+{
+    if (dy != 0)
+        m_margin->scroll(0, dy);
+    else
+        m_margin->update(0, rect.y(), m_margin->width(), rect.height());
+}
+
+void TextPreview::paintMargin(const QRect &rect)
+{
+    QPainter painter(m_margin);
+    painter.fillRect(rect, palette().color(QPalette::AlternateBase));
+    const int current = textCursor().blockNumber();
+    const int width = m_margin->width() - MarginPadding;
+    for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
+        const QRectF area = blockBoundingGeometry(block).translated(contentOffset());
+        if (area.top() > rect.bottom())
+            return;
+        const bool isCurrent = block.blockNumber() == current;
+        painter.setPen(palette().color(isCurrent ? QPalette::Text : QPalette::PlaceholderText));
+        painter.drawText(QRectF(0, area.top(), width, fontMetrics().height()),
+                         Qt::AlignRight | Qt::AlignVCenter,
+                         QString::number(block.blockNumber() + 1));
+    }
+}
+
+void TextPreview::markLine()
+{
+    QTextEdit::ExtraSelection line;
+    QColor color = palette().color(QPalette::Highlight);
+    color.setAlpha(48);
+    line.format.setBackground(color);
+    line.format.setProperty(QTextFormat::FullWidthSelection, true);
+    line.cursor = textCursor();
+    line.cursor.clearSelection();
+    setExtraSelections({line});
+    m_margin->update();
+}
+
+} // namespace Studio

@@ -1,0 +1,451 @@
+// SPDX-License-Identifier: MIT
+#include "studio/windowfixture.h"
+
+#include "studio/window/textpreview.h"
+
+#include <QDropEvent>
+#include <QInputDialog>
+#include <QMenu>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QToolButton>
+
+using namespace Studio;
+
+Q_DECLARE_METATYPE(QMessageBox::StandardButton)
+
+namespace {
+
+const QString rowan = QStringLiteral("rowan/rowan.lantern");
+const QString author = QStringLiteral("project.author");
+
+/// Drags a path onto a window and drops it. Returns whether the window wanted it.
+bool drop(QWidget *window, const QString &path)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    const QPoint place = window->rect().center();
+    QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QCoreApplication::sendEvent(window, &enter);
+    if (!enter.isAccepted())
+        return false;
+    QDropEvent dropped(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &dropped);
+    return dropped.isAccepted();
+}
+
+void typeAndAccept(QDialog *dialog, const QString &text)
+{
+    auto *edit = dialog->findChild<QLineEdit *>();
+    edit->selectAll();
+    QTest::keyClicks(edit, text);
+    QTest::keyClick(edit, Qt::Key_Return);
+}
+
+} // namespace
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void projectIsOpenedAndClosed();
+    void whatIsNoProjectIsRefused();
+    void droppedFolderIsOpened();
+    void changedFileIsMarkedUntilItIsSaved();
+    void undoAndRedoReachTheFile();
+    void leavingWithChangesAsks_data();
+    void leavingWithChangesAsks();
+    void saveAsGoesOnAtTheNewPlace();
+    void backupIsRestoredOnlyWhenConfirmed();
+    void reloadDropsChangesOnlyWhenConfirmed_data();
+    void reloadDropsChangesOnlyWhenConfirmed();
+    void newProjectIsMadeAndOpened();
+    void closedProjectIsOpenedFromTheTree();
+    void messageLeadsToItsLine();
+    void fileChangedOutsideIsAskedAbout_data();
+    void fileChangedOutsideIsAskedAbout();
+    void interruptedSaveIsRecovered();
+    void statusFieldsAct();
+    void paletteRunsACommand();
+    void windowComesBackAsItWasLeft();
+    void missingRecentProjectsStayUntilRemoved();
+
+private:
+    QByteArray onDisk(const QString &name) const;
+    ProjectSession *session() const;
+
+    std::unique_ptr<WindowFixture> f;
+};
+
+void TestMainWindow::init()
+{
+    f = std::make_unique<WindowFixture>();
+    QVERIFY(QTest::qWaitForWindowActive(f->window.get()));
+}
+
+void TestMainWindow::cleanup()
+{
+    f.reset();
+}
+
+QByteArray TestMainWindow::onDisk(const QString &name) const
+{
+    return SmallGame::readFile(f->meadow() + QLatin1Char('/') + name);
+}
+
+ProjectSession *TestMainWindow::session() const
+{
+    return f->window->commands().session();
+}
+
+void TestMainWindow::projectIsOpenedAndClosed()
+{
+    DialogAnswerer dialogs;
+    dialogs.chooseFiles({f->meadow()});
+    QTest::keyClick(f->window.get(), Qt::Key_O, Qt::ControlModifier);
+    QVERIFY(session());
+    QVERIFY(f->window->windowTitle().startsWith(QLatin1String("meadow")));
+    QCOMPARE(f->window->currentPath(), QStringLiteral("game.lantern"));
+    QCOMPARE(f->host->parentProjectCount(), 1U);
+    QCOMPARE(f->window->recentProjects().paths(), QStringList(f->meadow()));
+    const auto *text = f->find<TextPreview>("textPreview");
+    QCOMPARE(text->toPlainText().toUtf8(), onDisk(QStringLiteral("game.lantern")));
+    QVERIFY(f->clickFile(QString::fromUtf8("mill/bilder/Mühle.png")));
+
+    f->window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(f->window.get()));
+    QTest::keyClick(f->window.get(), Qt::Key_W, Qt::ControlModifier);
+    QVERIFY(!session());
+    QCOMPARE(f->host->parentProjectCount(), 0U);
+    QCOMPARE(f->find<QTreeView>("projectTree")->model()->rowCount(), 0);
+    QVERIFY(!f->host->action("save")->isEnabled());
+}
+
+void TestMainWindow::whatIsNoProjectIsRefused()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    DialogAnswerer dialogs;
+    dialogs.answer(QMessageBox::Ok);
+    QVERIFY(!f->window->openProject(f->path(QStringLiteral("nothing"))));
+    QVERIFY(dialogs.dialogs.value(0).text.contains(QLatin1String("nothing")));
+    QCOMPARE(session()->path(), f->meadow());
+}
+
+void TestMainWindow::droppedFolderIsOpened()
+{
+    QVERIFY(SmallGame::writeFile(f->path(QStringLiteral("plain/notes.txt")), "notes"));
+    QVERIFY(!drop(f->window.get(), f->path(QStringLiteral("plain"))));
+    QVERIFY(drop(f->window.get(), f->meadow()));
+    QTRY_VERIFY(session());
+    QCOMPARE(session()->path(), f->meadow());
+}
+
+void TestMainWindow::changedFileIsMarkedUntilItIsSaved()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    const QByteArray before = onDisk(rowan);
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    QVERIFY(f->window->isWindowModified());
+    auto *dock = f->find<ProjectDock>("projectDock");
+    const QModelIndex row = dock->model().indexOf(rowan);
+    QCOMPARE(row.data().toString(), QString(QStringLiteral("rowan.lantern \u25CF")));
+    // The view shows what is not saved yet.
+    const auto *text = f->find<TextPreview>("textPreview");
+    QTRY_VERIFY(text->toPlainText().contains(QLatin1String("Nobody")));
+    QCOMPARE(onDisk(rowan), before);
+
+    QTest::keyClick(f->window.get(), Qt::Key_S, Qt::ControlModifier);
+    QVERIFY(onDisk(rowan).contains("author = Nobody"));
+    QVERIFY(!f->window->isWindowModified());
+    QCOMPARE(row.data().toString(), QStringLiteral("rowan.lantern"));
+}
+
+void TestMainWindow::undoAndRedoReachTheFile()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    f->trigger("undo");
+    QTRY_VERIFY(!f->window->isWindowModified());
+    f->trigger("redo");
+    QTRY_VERIFY(f->window->isWindowModified());
+}
+
+void TestMainWindow::leavingWithChangesAsks_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<bool>("leaves");
+    QTest::addColumn<bool>("saved");
+    QTest::newRow("save") << QMessageBox::Save << true << true;
+    QTest::newRow("discard") << QMessageBox::Discard << true << false;
+    QTest::newRow("cancel") << QMessageBox::Cancel << false << false;
+}
+
+void TestMainWindow::leavingWithChangesAsks()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(bool, leaves);
+    QFETCH(bool, saved);
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    {
+        DialogAnswerer dialogs;
+        dialogs.answer(answer);
+        QCOMPARE(f->window->close(), leaves);
+        QCOMPARE(dialogs.dialogs.value(0).defaultButton, QMessageBox::Save);
+    }
+    QCOMPARE(onDisk(rowan).contains("Nobody"), saved);
+    QCOMPARE(f->window->isVisible(), !leaves);
+}
+
+void TestMainWindow::saveAsGoesOnAtTheNewPlace()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    const QString target = f->path(QStringLiteral("copy"));
+    QVERIFY(QDir().mkpath(target));
+    const QByteArray before = onDisk(rowan);
+    DialogAnswerer dialogs;
+    dialogs.chooseFiles({target});
+    f->trigger("save_as");
+    QVERIFY(SmallGame::readFile(target + QLatin1Char('/') + rowan).contains("author = Nobody"));
+    QCOMPARE(SmallGame::content(target).size(), SmallGame::content(f->meadow()).size());
+    QCOMPARE(onDisk(rowan), before);
+    QTRY_VERIFY(f->window->windowTitle().startsWith(QLatin1String("copy")));
+    QTRY_COMPARE(f->window->currentPath(), rowan);
+}
+
+void TestMainWindow::backupIsRestoredOnlyWhenConfirmed()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    const QByteArray before = onDisk(rowan);
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) { typeAndAccept(dialog, QStringLiteral("first")); });
+    f->trigger("backup");
+    QCOMPARE(session()->backups().list().size(), 1);
+
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    f->trigger("save");
+    const auto choose = [](QDialog *dialog) {
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("restore")),
+                          Qt::LeftButton);
+    };
+    dialogs.handle(choose);
+    dialogs.answer(QMessageBox::No);
+    f->trigger("restore");
+    QVERIFY(onDisk(rowan).contains("Nobody"));
+
+    dialogs.handle(choose);
+    dialogs.answer(QMessageBox::Yes);
+    f->trigger("restore");
+    QCOMPARE(onDisk(rowan), before);
+    const auto *text = f->find<TextPreview>("textPreview");
+    QTRY_COMPARE(text->toPlainText().toUtf8(), before);
+    QVERIFY(!f->window->isWindowModified());
+}
+
+void TestMainWindow::reloadDropsChangesOnlyWhenConfirmed_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<bool>("modified");
+    QTest::newRow("yes") << QMessageBox::Yes << false;
+    QTest::newRow("no") << QMessageBox::No << true;
+}
+
+void TestMainWindow::reloadDropsChangesOnlyWhenConfirmed()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(bool, modified);
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    DialogAnswerer dialogs;
+    dialogs.answer(answer);
+    QTest::keyClick(f->window.get(), Qt::Key_F5);
+    QTRY_COMPARE(f->window->isWindowModified(), modified);
+}
+
+void TestMainWindow::newProjectIsMadeAndOpened()
+{
+    f->host->setOption(QStringLiteral("projects_folder"), f->path(QStringLiteral("made")));
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) {
+        auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("name"));
+        QTest::keyClicks(name, QStringLiteral("Pond"));
+        QTest::keyClick(name, Qt::Key_Return);
+    });
+    f->trigger("new");
+    QVERIFY(session());
+    QVERIFY(session()->path().startsWith(f->path(QStringLiteral("made/Pond"))));
+    QVERIFY(!f->window->isWindowModified());
+}
+
+void TestMainWindow::closedProjectIsOpenedFromTheTree()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    auto *dock = f->find<ProjectDock>("projectDock");
+    const QStringList closed = closedProjects(*session()->parent());
+    QCOMPARE(closed.size(), 1);
+    const QModelIndex barn = dock->model().indexOf(closed.first());
+    QVERIFY(barn.isValid());
+    QVERIFY(barn.data(Qt::FontRole).value<QFont>().italic());
+    dock->view()->setCurrentIndex(barn);
+    QTest::keyClick(dock->view(), Qt::Key_Return);
+    QVERIFY(closedProjects(*session()->parent()).isEmpty());
+    QTRY_VERIFY(f->window->files().file(QStringLiteral("barn/barn.lantern")));
+}
+
+void TestMainWindow::messageLeadsToItsLine()
+{
+    const QByteArray good = onDisk(rowan);
+    const int line = good.count('\n');
+    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lantern"), good + "kind banana\n"));
+    QVERIFY(f->window->openProject(f->meadow()));
+    auto *dock = f->find<MessagesDock>("messagesDock");
+    QTRY_COMPARE(dock->view()->model()->rowCount(), 1);
+    QCOMPARE(dock->view()->model()->index(0, 1).data().toString(), rowan);
+    QCOMPARE(dock->windowTitle(), QStringLiteral("Messages (1)"));
+    WindowFixture::doubleClick(dock->view(), dock->view()->model()->index(0, 0));
+    QCOMPARE(f->window->currentPath(), rowan);
+    const auto *text = f->find<TextPreview>("textPreview");
+    QCOMPARE(text->textCursor().blockNumber(), line);
+
+    auto *errors = f->find<QToolButton>("message_error");
+    QTest::mouseClick(errors, Qt::LeftButton);
+    QCOMPARE(dock->view()->model()->rowCount(), 0);
+    QTest::mouseClick(errors, Qt::LeftButton);
+    QTest::keyClicks(f->find<QLineEdit>("messageText"), QStringLiteral("no such words"));
+    QCOMPARE(dock->view()->model()->rowCount(), 0);
+}
+
+void TestMainWindow::fileChangedOutsideIsAskedAbout_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<bool>("reads");
+    QTest::newRow("yes") << QMessageBox::Yes << true;
+    QTest::newRow("no") << QMessageBox::No << false;
+}
+
+void TestMainWindow::fileChangedOutsideIsAskedAbout()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(bool, reads);
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    DialogAnswerer dialogs;
+    dialogs.answer(answer);
+    const QByteArray other = onDisk(rowan) + "# from another program\n";
+    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lantern"), other));
+    QTRY_COMPARE(dialogs.dialogs.size(), 1);
+    QCOMPARE(dialogs.dialogs.first().title, QStringLiteral("File modified"));
+    const auto *text = f->find<TextPreview>("textPreview");
+    if (reads)
+        QTRY_COMPARE(text->toPlainText().toUtf8(), other);
+    else
+        QVERIFY(!text->toPlainText().contains(QLatin1String("another program")));
+}
+
+void TestMainWindow::interruptedSaveIsRecovered()
+{
+    const QByteArray newer = onDisk(rowan) + "# not saved to its end\n";
+    const QByteArray older = onDisk(rowan);
+    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lanternQx7Rk2"), newer));
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) {
+        const auto *preview = dialog->findChild<QPlainTextEdit *>(QStringLiteral("preview"));
+        QVERIFY(preview->toPlainText().contains(QLatin1String("not saved to its end")));
+        QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("recover")),
+                          Qt::LeftButton);
+    });
+    QVERIFY(f->window->openProject(f->meadow()));
+    QTRY_COMPARE(dialogs.dialogs.size(), 1);
+    QTRY_COMPARE(onDisk(rowan), newer);
+    QVERIFY(!QFile::exists(f->inMeadow("rowan/rowan.lanternQx7Rk2")));
+    // What the file held before is kept beside it.
+    QVERIFY(SmallGame::content(f->meadow()).values().contains(older));
+}
+
+void TestMainWindow::statusFieldsAct()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    auto *position = f->find<QToolButton>("statusField0");
+    QCOMPARE(position->text(), QStringLiteral("Line 1, Column 1"));
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) {
+        qobject_cast<QInputDialog *>(dialog)->setIntValue(3);
+        dialog->accept();
+    });
+    QTest::mouseClick(position, Qt::LeftButton);
+    QCOMPARE(position->text(), QStringLiteral("Line 3, Column 1"));
+
+    auto *encoding = f->find<QToolButton>("statusField1");
+    QCOMPARE(encoding->text(), QStringLiteral("UTF-8"));
+    QTimer::singleShot(0, this, [] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        const int utf16 = Vela::TextCodecs::index("UTF-16");
+        menu->actions().at(utf16)->trigger();
+        menu->close();
+    });
+    QTest::mouseClick(encoding, Qt::LeftButton);
+    QTRY_COMPARE(encoding->text(), QStringLiteral("UTF-16"));
+    QVERIFY(f->window->isWindowModified());
+    QCOMPARE(f->find<QToolButton>("statusField2")->text(), QStringLiteral("Lantern"));
+}
+
+void TestMainWindow::paletteRunsACommand()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) { typeAndAccept(dialog, QStringLiteral("go to li")); });
+    dialogs.cancel();
+    QTest::keyClick(f->window.get(), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
+    QTRY_COMPARE(dialogs.dialogs.size(), 2);
+    QCOMPARE(dialogs.dialogs.last().title, QStringLiteral("Go to Line"));
+    QTRY_VERIFY(dialogs.isDone());
+}
+
+void TestMainWindow::windowComesBackAsItWasLeft()
+{
+    f->window->resize(900, 640);
+    f->find<QDockWidget>("propertiesDock")->hide();
+    f->window->close();
+    f->stop();
+    f->start();
+    QCOMPARE(f->window->size(), QSize(900, 640));
+    QVERIFY(f->find<QDockWidget>("propertiesDock")->isHidden());
+    f->trigger("reset_layout");
+    QVERIFY(!f->find<QDockWidget>("propertiesDock")->isHidden());
+}
+
+void TestMainWindow::missingRecentProjectsStayUntilRemoved()
+{
+    const QString gone = f->path(QStringLiteral("gone"));
+    f->window->recentProjects().add(gone);
+    f->window->recentProjects().add(f->meadow());
+    QMenu *menu = nullptr;
+    const auto menus = f->window->findChildren<QMenu *>();
+    for (QMenu *candidate : menus)
+        menu = candidate->title() == QLatin1String("Open &Recent") ? candidate : menu;
+    QVERIFY(menu);
+    Q_EMIT menu->aboutToShow();
+    QVERIFY(menu->actions().at(0)->isEnabled());
+    QVERIFY(!menu->actions().at(1)->isEnabled());
+    QVERIFY(menu->actions().at(1)->text().contains(QLatin1String("missing")));
+    menu->actions().at(3)->trigger();
+    QCOMPARE(f->window->recentProjects().paths(), QStringList(f->meadow()));
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"
