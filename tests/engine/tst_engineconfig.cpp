@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "engine/engine.h"
 #include "support/dialoganswerer.h"
 #include "support/recordinghost.h"
+#include "support/testproject.h"
 
 #include <QAbstractItemModelTester>
 #include <QColor>
@@ -15,43 +15,6 @@
 using namespace Vela;
 
 namespace {
-
-class TestEngine : public Engine
-{
-public:
-    TestEngine()
-        : Engine(QStringLiteral("toy"))
-    {
-    }
-    QString queryString(StringType, unsigned int) const override
-    {
-        return QString();
-    }
-    QMap<int, QString> singleFileFilters() const override
-    {
-        return {};
-    }
-    ProjectFile *createFile(int, Project *) override
-    {
-        return nullptr;
-    }
-    bool canOpen(const QString &) const override
-    {
-        return false;
-    }
-    ParentProject *openParentProject(const QString &, QString *) override
-    {
-        return nullptr;
-    }
-    Project *openProject(ParentProject *, const QString &, QString *) override
-    {
-        return nullptr;
-    }
-    QString createParentProject(const QString &, const QString &, QString *) override
-    {
-        return QString();
-    }
-};
 
 QStringList namesOf(const EngineInstances &instances)
 {
@@ -144,7 +107,7 @@ void TestEngineConfig::moveStopsAtWhatTheModelRefuses()
 void TestEngineConfig::fileHasTheDocumentedForm()
 {
     RecordingHost host;
-    const QString path = host.dataFolder() + QStringLiteral("/toy_config.xml");
+    const QString path = host.dataFolder() + QStringLiteral("/test_config.xml");
     {
         TestEngine engine;
         engine.add(QStringLiteral("Toy <1>"), QStringLiteral("/opt/toy"), QStringLiteral("-w"),
@@ -236,7 +199,7 @@ void TestEngineConfig::brokenFileKeepsWhatWasRead()
     QFETCH(bool, good);
     RecordingHost host;
     QDir().mkpath(host.dataFolder());
-    QFile file(host.dataFolder() + QStringLiteral("/toy_config.xml"));
+    QFile file(host.dataFolder() + QStringLiteral("/test_config.xml"));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(xml);
     file.close();
@@ -261,7 +224,7 @@ void TestEngineConfig::fileThatCannotBeWrittenIsTold()
 {
     RecordingHost host;
     // A folder stands where the file should go.
-    const QString path = host.dataFolder() + QStringLiteral("/toy_config.xml");
+    const QString path = host.dataFolder() + QStringLiteral("/test_config.xml");
     QVERIFY(QDir().mkpath(path));
     TestEngine engine;
     DialogAnswerer answers;
@@ -309,7 +272,7 @@ void TestEngineConfig::withoutHostNothingIsRead()
     QVERIFY(engine.load());
     QVERIFY(engine.save());
     QCOMPARE(engine.option(QStringLiteral("any"), 3).toInt(), 3);
-    QCOMPARE(engine.path(), QStringLiteral("/engines/toy"));
+    QCOMPARE(engine.path(), QStringLiteral("/engines/test"));
 }
 
 QTEST_MAIN(TestEngineConfig)
