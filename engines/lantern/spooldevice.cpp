@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace Lantern {
 
@@ -24,6 +25,16 @@ bool SpoolDevice::seek(qint64 position)
 bool SpoolDevice::isWhole() const
 {
     return !m_failed;
+}
+
+bool SpoolDevice::isInMemory() const
+{
+    return !m_file;
+}
+
+QByteArray SpoolDevice::takeMemory()
+{
+    return std::exchange(m_memory, QByteArray());
 }
 
 qint64 SpoolDevice::readData(char *data, qint64 size)

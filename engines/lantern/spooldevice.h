@@ -25,6 +25,9 @@ public:
     bool seek(qint64 position) override;
     /// Returns whether everything written has arrived.
     bool isWhole() const;
+    bool isInMemory() const;
+    /// Hands over what is in memory; the device is empty then.
+    QByteArray takeMemory();
 
 protected:
     qint64 readData(char *data, qint64 size) override;

@@ -13,6 +13,10 @@ namespace {
 
 const QLatin1Char slash('/');
 
+// How many folders a file may be in. Each of them is kept under its whole path, so that a name of
+// nothing but folders would take much memory.
+constexpr int deepest = 100;
+
 QString folderOf(const QString &entry)
 {
     return entry.left(qMax(entry.lastIndexOf(slash), 0));
@@ -122,10 +126,10 @@ QString ZipArchive::entryName(const QString &path)
     while (start < path.size() && path.at(start) == slash)
         ++start;
     const QString entry = QDir::cleanPath(path.mid(start));
-    const bool leaves = entry == QLatin1String(".") || entry == QLatin1String("..")
-        || entry.startsWith(QLatin1String("../")) || entry.startsWith(slash)
-        || (entry.size() > 1 && entry.at(1) == QLatin1Char(':'));
-    return leaves ? QString() : entry;
+    const bool refused = entry.count(slash) > deepest || entry == QLatin1String(".")
+        || entry == QLatin1String("..") || entry.startsWith(QLatin1String("../"))
+        || entry.startsWith(slash) || (entry.size() > 1 && entry.at(1) == QLatin1Char(':'));
+    return refused ? QString() : entry;
 }
 
 bool ZipArchive::addName(const QString &entry)

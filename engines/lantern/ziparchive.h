@@ -25,7 +25,8 @@ public:
     bool directoryExists(const QString &path) const override;
 
     /// Returns the name under which a path stands in an archive, without a "/" in front; empty for
-    /// the root, and for a path that leaves it or that another system could take for one that does.
+    /// the root, and for a path that leaves it, that another system could take for one that does,
+    /// or that is in more than 100 folders.
     static QString entryName(const QString &path);
 
 protected:

@@ -23,6 +23,8 @@ struct Texts
 };
 
 constexpr int blockSize = 128 * 1024;
+// The longest name that an entry can have, in bytes.
+constexpr int longestName = 65535;
 
 // The general purpose flags of an entry, and the type of a Unix file in its attributes.
 constexpr uLong encryptedFlag = 1;
@@ -81,38 +83,34 @@ bool ZipReader::open()
 {
     if (!hasWholeEnd(path()) || !m_zip.open(QuaZip::mdUnzip))
         return false;
-    // Entries that share their bytes would make much out of little.
-    quint64 packedSizes = 0;
-    const quint64 fileSize = quint64(QFileInfo(path()).size());
     if (m_zip.getEntriesCount() == 0)
         return true;
+    // Entries that share their bytes would make much out of little.
+    quint64 bytesLeft = quint64(QFileInfo(path()).size());
+    QByteArray name(longestName, Qt::Uninitialized);
     int result = unzGoToFirstFile(m_zip.getUnzFile());
     while (result == UNZ_OK) {
-        if (!readEntry(packedSizes) || packedSizes > fileSize)
+        if (!readEntry(name, bytesLeft))
             return false;
         result = unzGoToNextFile(m_zip.getUnzFile());
     }
     return result == UNZ_END_OF_LIST_OF_FILE;
 }
 
-bool ZipReader::readEntry(quint64 &packedSizes)
+bool ZipReader::readEntry(QByteArray &name, quint64 &bytesLeft)
 {
     unz_file_info64 info;
-    if (unzGetCurrentFileInfo64(m_zip.getUnzFile(), &info, nullptr, 0, nullptr, 0, nullptr, 0)
-        != UNZ_OK)
-        return false;
-    QByteArray name(int(info.size_filename), '\0');
     Entry entry;
     if (unzGetCurrentFileInfo64(m_zip.getUnzFile(), &info, name.data(), uLong(name.size()), nullptr,
                                 0, nullptr, 0)
             != UNZ_OK
         || unzGetFilePos64(m_zip.getUnzFile(), &entry.position) != UNZ_OK
-        || info.compressed_size > quint64(QFileInfo(path()).size()))
+        || info.compressed_size > bytesLeft)
         return false;
-    packedSizes += info.compressed_size;
+    bytesLeft -= info.compressed_size;
     entry.size = info.uncompressed_size;
 
-    const QString stored = entryText(name, info.flag & utf8Flag);
+    const QString stored = entryText(name.left(int(info.size_filename)), info.flag & utf8Flag);
     const bool folder = stored.endsWith(QLatin1Char('/'));
     const bool safe =
         !stored.isEmpty() && entryName(stored) == (folder ? stored.chopped(1) : stored);

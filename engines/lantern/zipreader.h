@@ -36,7 +36,9 @@ private:
         quint64 size = 0;
     };
 
-    bool readEntry(quint64 &packedSizes);
+    /// Takes in the current entry, with the buffer for its name and what the archive's size leaves
+    /// for packed bytes.
+    bool readEntry(QByteArray &name, quint64 &bytesLeft);
     QString entryText(const QByteArray &name, bool utf8) const;
     bool unpack(const Entry &entry, QIODevice &target);
 

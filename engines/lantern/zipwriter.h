@@ -1,24 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "lantern/packedfiles.h"
 #include "lantern/ziparchive.h"
 
 #include <QDateTime>
 #include <QHash>
 #include <QMap>
-#include <QTemporaryFile>
-
-#include <zlib.h>
 
 class QuaZip;
 
 namespace Lantern {
 
-class SpoolDevice;
-
-/// A new zip archive. Each file is packed when it is closed, into a nameless temporary file beside
+/// A new zip archive. Each file is packed once it is closed, into a nameless temporary file beside
 /// the target, and can be read, replaced, renamed and removed until the archive is released. Then
-/// what is there is written out and takes the target's name, all or nothing.
+/// what is there is written out by name and takes the target's name, all or nothing.
 class ZipWriter : public ZipArchive
 {
 public:
@@ -41,28 +37,12 @@ protected:
     void free() override;
 
 private:
-    // A packed file; the offset is in the temporary file.
-    struct Packed
-    {
-        qint64 offset = 0;
-        qint64 packedSize = 0;
-        qint64 size = 0;
-        quint32 crc = 0;
-    };
-
-    bool pack(SpoolDevice &source, Packed &packed);
-    bool unpack(const Packed &packed, SpoolDevice &target);
     bool commit();
-    bool copyEntry(QuaZip &zip, const QString &name, const Packed &packed);
+    bool copyEntry(QuaZip &zip, const QString &name, int number);
 
-    QTemporaryFile m_packed;
-    qint64 m_packedEnd = 0;
-    QMap<QString, Packed> m_entries;
+    PackedFiles m_packed;
+    QMap<QString, int> m_entries; // numbers of packed files
     QHash<QIODevice *, QString> m_writing;
-    z_stream m_deflate = {};
-    // Blocks of deflate(), kept for all files: making them anew costs small files dear.
-    QByteArray m_in;
-    QByteArray m_out;
     QDateTime m_time; // of every entry: a store knows no other
     bool m_failed = false;
 };

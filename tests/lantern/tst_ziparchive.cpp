@@ -28,6 +28,8 @@ private Q_SLOTS:
     void otherProgramsReadWhatIsWritten();
     void whatOtherProgramsWriteIsRead();
     void manyAndLargeEntriesComeBack();
+    void theSameFilesGiveTheSameArchive();
+    void filesThatAreStillPackedCanBeUsed();
     void spoolsAreRandomAccess();
     void theTargetAppearsWhole();
     void anArchiveThatIsNotWholeLeavesTheTarget();
@@ -296,6 +298,77 @@ void tst_ZipArchive::manyAndLargeEntriesComeBack()
     archive->release();
 }
 
+// Enough for the queue to fill, so that all threads pack.
+void tst_ZipArchive::theSameFilesGiveTheSameArchive()
+{
+    const QByteArray source = noise(1 << 20);
+    for (const char *const name : {"first.zip", "second.zip"}) {
+        Archive *const archive = write(name);
+        QVERIFY(archive);
+        for (int i = 0; i < 400; ++i) {
+            const int size = i % 2 ? 250000 : i;
+            QVERIFY(ArchiveSuite::write(*archive, QString::number(i), source.mid(i, size)));
+        }
+        archive->release();
+    }
+    // Name, size, packed size and checksum, without the times.
+    const auto listing = [this](const char *name) {
+        const QByteArray text = run(m_folder->path(), QStringLiteral("unzip"),
+                                    {QStringLiteral("-v"), QString::fromLatin1(name)});
+        QStringList lines;
+        for (const QString &line : QString::fromUtf8(text).split(QLatin1Char('\n')).mid(1)) {
+            QStringList words = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+            if (words.size() == 8)
+                lines.append(words.mid(0, 4).join(QLatin1Char(' ')) + words.mid(6).join(QString()));
+        }
+        return lines;
+    };
+    const QStringList first = listing("first.zip");
+    QCOMPARE(first.filter(QStringLiteral("Defl")).size(), 400);
+    QCOMPARE(listing("second.zip"), first);
+
+    Archive *const archive = read("second.zip");
+    QVERIFY(archive);
+    for (const int i : {0, 1, 2, 199, 398, 399})
+        QVERIFY(ArchiveSuite::read(*archive, QString::number(i))
+                == source.mid(i, i % 2 ? 250000 : i));
+    archive->release();
+}
+
+void tst_ZipArchive::filesThatAreStillPackedCanBeUsed()
+{
+    Archive *archive = write("used.zip");
+    QVERIFY(archive);
+    const QByteArray data = noise(3000000);
+    const QString old = QStringLiteral("old");
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(ArchiveSuite::write(*archive, QString::number(i), data.mid(i)));
+    QVERIFY(ArchiveSuite::write(*archive, old, data));
+    QVERIFY(ArchiveSuite::read(*archive, old) == data);
+    QVERIFY(ArchiveSuite::write(*archive, old, data.mid(7)));
+    QVERIFY(archive->renameFile(old, QStringLiteral("new")));
+    QVERIFY(archive->removeFile(QStringLiteral("2")));
+    archive->release();
+
+    archive = read("used.zip");
+    QVERIFY(archive);
+    QCOMPARE(listAll(*archive, QString()).join(QLatin1Char(' ')), QStringLiteral("0 1 3 new"));
+    QVERIFY(ArchiveSuite::read(*archive, QStringLiteral("new")) == data.mid(7));
+    QVERIFY(ArchiveSuite::read(*archive, QStringLiteral("3")) == data.mid(3));
+    archive->release();
+
+    // What is still waiting is dropped with an archive that cannot be written.
+    RecordingHost host;
+    archive = write("dropped.zip");
+    QVERIFY(archive);
+    for (int i = 0; i < 4; ++i)
+        QVERIFY(ArchiveSuite::write(*archive, QString::number(i), data));
+    QVERIFY(archive->openFile(old, QIODevice::WriteOnly));
+    archive->release();
+    QVERIFY(!QFile::exists(path("dropped.zip")));
+    QCOMPARE(host.logged.size(), 1);
+}
+
 void tst_ZipArchive::spoolsAreRandomAccess()
 {
     Lantern::SpoolDevice device;
@@ -355,6 +428,7 @@ void tst_ZipArchive::refusedPathsCannotBeWritten_data()
     for (const char *name : {"../x", "a/../../x", "..", "", "/", "a\\b", "C:/x", "/C:/x", "//../x"})
         QTest::newRow(name) << QString::fromLatin1(name);
     QTest::newRow("NUL") << QString(QStringLiteral("a") + QChar(0));
+    QTest::newRow("too deep") << QStringLiteral("a/").repeated(101) + QLatin1Char('x');
     QTest::newRow("too long") << QString(70000, QLatin1Char('x'));
 }
 
@@ -382,6 +456,7 @@ void tst_ZipArchive::unsafeEntriesAreLeftOut_data()
     row("no name", plain(QByteArray()));
     row("a second one of the name", plain("good.txt", "other"));
     row("a folder of that name is a file", plain("good.txt/x"));
+    row("too deep", plain(QByteArray("a/").repeated(30000) + 'x'));
     row("link", {"link", "/etc/passwd", 11, 0, 0, 0xA1FF0000});
     row("encrypted", {"secret", "xxxxxxxxxxxxx", 13, 0, 1, 0});
     row("a method that nobody knows", {"odd", "x", 1, 99, 0, 0});
