@@ -6,6 +6,7 @@
 #include "frame/archive.h"
 
 #include <QCoreApplication>
+#include <QSet>
 
 #include <algorithm>
 
@@ -64,8 +65,8 @@ void DefinitionFile::textChanged()
     QVector<Vela::Message> messages = m_definition.messages + m_settings.messages;
     m_files.clear();
     if (!fileName().isEmpty()) {
-        m_files = existingFiles(archive(), archive().absoluteFilePath(fileName()), m_settings.files,
-                                messages);
+        m_files = spelledFiles(archive(), archive().absoluteFilePath(fileName()), m_settings.files,
+                               messages);
     }
     std::stable_sort(messages.begin(), messages.end(), standsBefore);
     limitMessages(messages);
@@ -132,22 +133,35 @@ void DefinitionFile::setProperty(const QString &name, const QVariant &value)
     change(changed);
 }
 
-QVector<FileEntry> existingFiles(Vela::Archive &archive, const QString &folder,
-                                 const QVector<FileEntry> &files, QVector<Vela::Message> &messages)
+QVector<FileEntry> spelledFiles(Vela::Archive &archive, const QString &folder,
+                                const QVector<FileEntry> &files, QVector<Vela::Message> &messages)
 {
-    QVector<FileEntry> existing;
+    QVector<FileEntry> result;
+    QSet<QPair<int, QString>> known;
     FileNames names(archive, folder);
     for (FileEntry entry : files) {
         const QString spelled = names.spelled(entry.path);
-        if (spelled.isEmpty()) {
+        const QString named = clipped(entry.path);
+        const auto warn = [&](const QString &text) {
             messages.append({Vela::Message::Warning, unsigned(entry.line), unsigned(entry.column),
-                             Texts::tr("The file '%1' does not exist.").arg(clipped(entry.path))});
-            continue;
-        }
-        entry.path = spelled;
-        existing.append(entry);
+                             text.arg(named)});
+        };
+        entry.missing = spelled.isEmpty();
+        if (!entry.missing)
+            entry.path = spelled;
+        // A folder or a pipe is nothing that could be read or copied.
+        const bool noFile =
+            entry.missing && archive.fileExists(folder + QLatin1Char('/') + entry.path);
+        const int before = known.size();
+        known.insert({entry.type, entry.path});
+        if (known.size() == before)
+            warn(Texts::tr("'%1' is listed twice."));
+        else if (entry.missing)
+            warn(Texts::tr("The file '%1' does not exist."));
+        if (known.size() > before && !noFile)
+            result.append(entry);
     }
-    return existing;
+    return result;
 }
 
 } // namespace Lantern

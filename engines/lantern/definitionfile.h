@@ -21,7 +21,7 @@ public:
     explicit DefinitionFile(Scope scope);
 
     const Settings &settings() const;
-    /// Returns the files that the text names and that are there, spelled as the archive does.
+    /// Returns the files that the text names, each once, spelled as the archive does.
     const QVector<FileEntry> &files() const;
     /// Sets what is called when the settings may have changed.
     void setListener(const std::function<void()> &listener);
@@ -47,9 +47,10 @@ private:
     std::function<void()> m_listener;
 };
 
-/// Returns those of \a files that are there, spelled as the archive does. Appends a warning about
-/// each other one to \a messages.
-QVector<FileEntry> existingFiles(Vela::Archive &archive, const QString &folder,
-                                 const QVector<FileEntry> &files, QVector<Vela::Message> &messages);
+/// Returns \a files spelled as the archive does, each once. Those that are missing are marked, and
+/// what is there but no file is left out. Appends a warning to \a messages about both, and about
+/// what is named twice.
+QVector<FileEntry> spelledFiles(Vela::Archive &archive, const QString &folder,
+                                const QVector<FileEntry> &files, QVector<Vela::Message> &messages);
 
 } // namespace Lantern

@@ -22,12 +22,11 @@ FileNames::FileNames(Vela::Archive &archive, const QString &folder)
 
 QString FileNames::spelled(const QString &path)
 {
-    // The disk takes a folder for a file as well.
-    if (m_archive.fileExists(absolute(path)) && !m_archive.directoryExists(absolute(path)))
-        return path;
     const int slash = path.lastIndexOf(QLatin1Char('/'));
     const QString folder = spelledFolder(path.left(qMax(slash, 0)));
-    const QString name = names(folder, true).value(path.mid(slash + 1).toCaseFolded());
+    const QString asked = path.mid(slash + 1);
+    const Names &files = names(folder, true);
+    const QString name = files.value(asked, files.value(asked.toCaseFolded()));
     return name.isEmpty() ? QString() : joined(folder, name);
 }
 
@@ -52,6 +51,7 @@ QString FileNames::absolute(const QString &path) const
     return joined(m_folder, path);
 }
 
+// The listing holds plain files only: reading from a pipe could wait for ever.
 const FileNames::Names &FileNames::names(const QString &folder, bool files)
 {
     QHash<QString, Names> &lists = files ? m_files : m_subfolders;
@@ -60,7 +60,9 @@ const FileNames::Names &FileNames::names(const QString &folder, bool files)
         found = lists.insert(folder, Names());
         const QStringList entries =
             m_archive.entries(folder.isEmpty() ? m_folder : absolute(folder),
-                              files ? QDir::Files : QDir::Dirs, QDir::Name);
+                              (files ? QDir::Files : QDir::Dirs) | QDir::Hidden, QDir::Name);
+        for (const QString &entry : entries)
+            found->insert(entry, entry);
         for (const QString &entry : entries) {
             if (!found->contains(entry.toCaseFolded()))
                 found->insert(entry.toCaseFolded(), entry);

@@ -10,9 +10,9 @@ class Archive;
 
 namespace Lantern {
 
-/// Finds files under a folder that are spelled in another case than they are asked for. It lists
-/// each folder once, so that a game of thousands of files whose case differs opens quickly; it is
-/// made for one pass over a list and then forgotten.
+/// Finds files under a folder that may be spelled in another case than they are asked for. A file
+/// spelled as it is asked for goes before others. Each folder is listed once, so that a game of
+/// thousands of files opens quickly; an object is made for one pass over a list and then forgotten.
 class FileNames
 {
 public:
@@ -23,7 +23,8 @@ public:
     QString spelled(const QString &path);
 
 private:
-    using Names = QHash<QString, QString>; // by their case-folded form
+    // By itself, and by its case-folded form.
+    using Names = QHash<QString, QString>;
 
     QString spelledFolder(const QString &folder);
     QString absolute(const QString &path) const;

@@ -49,9 +49,12 @@ bool ParentProject::openGame(QString *error)
         QString reason;
         if (entry.type != Vela::Project::Main)
             continue;
-        if (entry.closed)
+        const bool opened =
+            !entry.closed && !entry.missing && openMainFile(absolute(entry.path), &reason);
+        // It stays a part of the game, so that nobody takes a copy without it for a whole one.
+        if (!opened)
             showClosed(entry.path);
-        else if (!openMainFile(absolute(entry.path), &reason))
+        if (!reason.isEmpty())
             m_game->definition()->reportAt(entry, reason);
     }
     return true;
@@ -127,14 +130,15 @@ void ParentProject::closedProjectFiles(const QString &path, QStringList &files) 
     const QString mainFile = m_closed.value(folder);
     QByteArray data;
     QString error;
-    if (mainFile.isEmpty()
-        || !readAll(archive(), absolute(mainFile), ContentFile::largestSize, data, error))
+    if (mainFile.isEmpty())
         return;
     files.append(mainFile);
+    if (!readAll(archive(), absolute(mainFile), ContentFile::largestSize, data, error))
+        return;
     const Settings settings(Definition(TextContent(data).text()), Scope::Project);
     QVector<Vela::Message> messages;
     const QVector<FileEntry> entries =
-        existingFiles(archive(), absolute(folder), settings.files, messages);
+        spelledFiles(archive(), absolute(folder), settings.files, messages);
     for (const FileEntry &entry : entries) {
         const QString file = folder + QLatin1Char('/') + entry.path;
         if (!files.contains(file))

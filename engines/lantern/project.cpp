@@ -105,16 +105,17 @@ void Project::definitionChanged()
 void Project::matchFiles()
 {
     m_dependencies.clear();
-    QSet<Dependency> missing;
+    QSet<Dependency> unmatched;
     for (const FileEntry &entry : m_definition->files()) {
         const Dependency dependency(entry.type, entry.path);
-        if (entry.type == Main || missing.contains(dependency))
+        if (entry.type == Main)
             continue;
-        missing.insert(dependency);
         m_dependencies.append(dependency);
+        if (!entry.missing)
+            unmatched.insert(dependency);
     }
-    removeUnnamedFiles(missing);
-    addFiles(missing);
+    removeUnnamedFiles(unmatched);
+    addFiles(unmatched);
 }
 
 // Takes what is there off \a named. A file with changes that are not saved stays, even if it is no

@@ -145,7 +145,6 @@ private:
     Settings &m_result;
     const Scope m_scope;
     QHash<const Rule *, int> m_lines; // where each setting was first made
-    QSet<QPair<int, QString>> m_files;
     QSet<QString> m_projectFolders;
 };
 
@@ -296,14 +295,8 @@ void Reader::readFile(const Setting &setting, const Rule &rule)
         }
         m_projectFolders.insert(folder);
     }
-    const QPair<int, QString> seen(rule.fileType, path.toCaseFolded());
-    if (m_files.contains(seen)) {
-        add(Vela::Message::Warning, setting.line, setting.valueColumn,
-            Texts::tr("'%1' is listed twice.").arg(clipped(path)));
-        return;
-    }
-    m_files.insert(seen);
-    m_result.files.append({rule.fileType, rule.closed, path, setting.line, setting.valueColumn});
+    m_result.files.append(
+        {rule.fileType, rule.closed, path, setting.line, setting.valueColumn, false});
 }
 
 void Reader::wrong(const Setting &setting, const QString &text)

@@ -30,6 +30,7 @@ struct FileEntry
     QString path;        ///< relative to the text's folder, with "/", as the text spells it
     int line = 0;
     int column = 0;
+    bool missing = false; ///< not on the disk, as far as anybody has looked
 };
 
 /// The settings of a definition text as values, with what is wrong about them.

@@ -133,13 +133,14 @@ int runRestore(const Call &call)
 
 int runSaveAs(const Call &call)
 {
-    std::unique_ptr<ProjectSession> session = openProjectAsItIs(call.arguments.first());
+    const std::unique_ptr<ProjectSession> session = openProjectAsItIs(call.arguments.first());
     // Outside a game only what is open is saved; of a game the closed projects are copied.
-    QString error;
-    if (session && !session->parent()->isGame() && !session->openAllProjects(&error))
-        return failed(error);
     if (!session)
         return Failed;
+    const QStringList errors =
+        session->parent()->isGame() ? QStringList() : session->openAllProjects();
+    if (!errors.isEmpty())
+        return failed(errors.join(QLatin1Char('\n')));
     const QString folder = ProjectSession::normalizedPath(call.arguments.at(1));
     if (folder.isEmpty())
         return failed(QStringLiteral("the name of the folder is empty"));

@@ -13,11 +13,13 @@ namespace Studio {
 std::unique_ptr<ProjectSession> openProject(const QString &path)
 {
     std::unique_ptr<ProjectSession> session = openProjectAsItIs(path);
-    QString error;
-    if (!session || session->openAllProjects(&error))
-        return session;
-    Console::report(error);
-    return nullptr;
+    if (!session)
+        return nullptr;
+    const auto job = createJob("Open");
+    const QStringList errors = session->openAllProjects();
+    for (const QString &error : errors)
+        job->error(error);
+    return session;
 }
 
 std::unique_ptr<ProjectSession> openProjectAsItIs(const QString &path)

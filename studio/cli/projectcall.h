@@ -12,7 +12,8 @@ class ProgressJob;
 namespace Studio {
 
 /// Opens the project of a call with all its projects. Reports the reason and returns null on
-/// failure.
+/// failure. Of a project that alone cannot be opened only the reason is reported: the others are
+/// worked on, and the call fails in the end.
 std::unique_ptr<ProjectSession> openProject(const QString &path);
 
 /// Opens the project of a call and leaves closed ones closed.

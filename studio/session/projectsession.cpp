@@ -197,14 +197,16 @@ bool ProjectSession::openClosedProject(const QString &path, QString *error)
     return false;
 }
 
-bool ProjectSession::openAllProjects(QString *error)
+QStringList ProjectSession::openAllProjects()
 {
+    QStringList errors;
     const QStringList closed = closedProjects(*m_parent);
     for (const QString &path : closed) {
-        if (!openClosedProject(path, error))
-            return false;
+        QString reason;
+        if (!openClosedProject(path, &reason))
+            errors.append(reason);
     }
-    return true;
+    return errors;
 }
 
 bool ProjectSession::isModified() const

@@ -51,8 +51,9 @@ public:
 
     /// Opens a project that is shown closed; \a path is one of closedProjects().
     bool openClosedProject(const QString &path, QString *error);
-    /// Opens every project that is shown closed; stops at the first that cannot be opened.
-    bool openAllProjects(QString *error);
+    /// Opens every project that is shown closed. Returns the reasons of those that cannot be
+    /// opened.
+    QStringList openAllProjects();
 
     bool isModified() const;
     /// Returns the modified files, relative to the root.

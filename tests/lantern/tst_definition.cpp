@@ -182,8 +182,6 @@ void tst_Definition::messages_data()
             qPrintable(
                 QStringLiteral("[project]\n[files]\nsprites = %1\n").arg(QLatin1String(path))),
             {QStringLiteral("E 3:11")});
-    row("a file twice", "[project]\n[files]\nsounds = a.wav\nsounds = A.WAV\nsprites = a.wav\n",
-        {QStringLiteral("W 4:10")});
 }
 
 void tst_Definition::messages()

@@ -24,6 +24,10 @@
 
 #include <memory>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 using Lantern::ContentFile;
 using Lantern::DefinitionFile;
 using Vela::Message;
@@ -58,6 +62,7 @@ private Q_SLOTS:
     void changesOfTheMainFileReachTheFiles();
     void changedFilesStayUntilTheyAreSaved();
     void projectsThatCannotBeReadBecomeMessages();
+    void missingFilesAreDependencies();
     void thousandsOfFilesAreNotReadAtOnce();
 
 private:
@@ -566,11 +571,47 @@ void tst_LanternEngine::projectsThatCannotBeReadBecomeMessages()
     QCOMPARE(messages->at(0, Message::Warning).line, 3u);
     QCOMPARE(messages->at(0, Message::Error).line, 4u);
     QCOMPARE(messages->at(0, Message::Error).column, 8u);
+
+    // It stays in the game: shown closed, and copied along.
+    QVERIFY(parent->filePath(QStringLiteral("b"))->isProjectRoot());
+    QStringList files;
+    parent->closedProjectFiles(QStringLiteral("b"), files);
+    QCOMPARE(files, QStringList{QStringLiteral("b/b.lantern")});
     close(parent);
 
     QString error;
     QVERIFY(!m_engine.openParentProject(path("bad/b/b.lantern"), &error));
     QVERIFY(error.contains(QStringLiteral("b.lantern")));
+}
+
+// Whoever copies the project has to know what is not there.
+void tst_LanternEngine::missingFilesAreDependencies()
+{
+    writeFile(path("half/dew.png"), "x");
+    writeFile(path("half/folder.png/x"), "x");
+    writeFile(path("half/game.lantern"),
+              "[game]\n[projects]\nopen = a/a.lantern\n[files]\nsprites = dew.png\n"
+              "sprites = DEW.png\nsounds = none.wav\nsounds = none.wav\n"
+              "sprites = folder.png\nscripts = pipe.script\n");
+#ifdef Q_OS_UNIX
+    // Nobody writes into it: whoever opens it waits for ever.
+    QCOMPARE(::mkfifo(QFile::encodeName(path("half/pipe.script")).constData(), 0600), 0);
+#else
+    QVERIFY(QDir().mkpath(path("half/pipe.script")));
+#endif
+    auto parent = open(path("half"));
+    QVERIFY(parent);
+    Project *const game = parent->openedProjects().at(0);
+    QCOMPARE(dependenciesOf(*game),
+             (QStringList{QStringLiteral("1 dew.png"), QStringLiteral("2 none.wav")}));
+    QCOMPARE(game->fileCount(), 2);
+    QVERIFY(parent->filePath(QStringLiteral("a"))->isProjectRoot());
+    QList<unsigned int> lines;
+    const Vela::Messages *const messages = game->mainFile()->messages();
+    for (int i = 0; i < messages->count(Message::Warning); ++i)
+        lines.append(messages->at(unsigned(i), Message::Warning).line + 1);
+    QCOMPARE(lines, (QList<unsigned int>{3, 6, 7, 8, 9, 10}));
+    close(parent);
 }
 
 void tst_LanternEngine::thousandsOfFilesAreNotReadAtOnce()

@@ -448,6 +448,8 @@ void tst_LanternFiles::namesInAnotherCase_data()
                                  << "game.lantern";
     QTest::newRow("letters with marks")
         << QString::fromUtf8("art/M\xc3\x9cHLE.png") << QString::fromUtf8("Art/M\xc3\xbchle.png");
+    QTest::newRow("the case decides") << "Art/dew.PNG"
+                                      << "Art/dew.PNG";
     QTest::newRow("missing") << "Art/none.png" << QString();
     QTest::newRow("missing folder") << "none/Water.png" << QString();
     QTest::newRow("a folder is no file") << "art/sub" << QString();
@@ -458,7 +460,8 @@ void tst_LanternFiles::namesInAnotherCase()
     QFETCH(QString, asked);
     QFETCH(QString, found);
     MemoryArchive archive;
-    for (const char *name : {"/r/Art/Sub/Water.png", "/r/game.lantern", "/r/Art/M\xc3\xbchle.png"})
+    for (const char *name : {"/r/Art/Sub/Water.png", "/r/game.lantern", "/r/Art/M\xc3\xbchle.png",
+                             "/r/Art/DEW.png", "/r/Art/dew.PNG"})
         archive.put(QString::fromUtf8(name), "x");
     Lantern::FileNames names(archive, QStringLiteral("/r"));
     QCOMPARE(names.spelled(asked), found);

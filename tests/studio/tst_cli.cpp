@@ -117,6 +117,8 @@ private Q_SLOTS:
     void dryRunWritesNothing_data();
     void dryRunWritesNothing();
     void failedCopyIsTold();
+    void incompleteCopiesAreTold_data();
+    void incompleteCopiesAreTold();
     void questionsAreAnsweredWithNo();
 
     void namesBeyondAsciiSurvive_data();
@@ -295,6 +297,11 @@ void TestCli::infoShowsClosedAndMissing()
     QCOMPARE(files.size(), 2);
     QCOMPARE(string(files.at(1), "path"), QStringLiteral("wolf/run.motion"));
     QVERIFY(files.at(1)[QStringLiteral("exists")].toBool());
+
+    QFile::remove(m_game + QStringLiteral("/hero/hero.script"));
+    const Result text = run({QStringLiteral("info"), m_game});
+    QVERIFY2(text.out.contains(QRegularExpression(QStringLiteral("hero\\.script .*missing"))),
+             qPrintable(text.out));
 }
 
 void TestCli::checkPrintsOneLineForEachMessage()
@@ -504,6 +511,34 @@ void TestCli::failedCopyIsTold()
     QCOMPARE(result.code, 2);
     QVERIFY2(result.err.contains(QStringLiteral("hero/sprites/idle.png")), qPrintable(result.err));
     QCOMPARE(result.out, QString());
+}
+
+// A copy that lacks something must not pass for a whole one.
+void TestCli::incompleteCopiesAreTold_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("tooLarge");
+    QTest::addColumn<int>("code");
+
+    QTest::newRow("a missing sprite") << "hero/sprites/idle.png" << false << 0;
+    QTest::newRow("a missing project") << "hero/hero.lantern" << false << 2;
+    QTest::newRow("a project that cannot be read") << "hero/hero.lantern" << true << 2;
+    QTest::newRow("a closed one that cannot be read") << "wolf/wolf.lantern" << true << 2;
+}
+
+void TestCli::incompleteCopiesAreTold()
+{
+    QFETCH(QString, file);
+    QFETCH(bool, tooLarge);
+    QFETCH(int, code);
+    QFile changed(m_game + QLatin1Char('/') + file);
+    QVERIFY(tooLarge ? changed.resize(qint64(1) << 30) : changed.remove());
+    const Result result = run({QStringLiteral("backup"), m_game, QStringLiteral("part")});
+    QCOMPARE(result.code, code);
+    QVERIFY2(result.err.contains(file), qPrintable(result.err));
+    // The others are there all the same.
+    const Result backups = run({QStringLiteral("backups"), m_game});
+    QVERIFY2(backups.out.contains(QStringLiteral("part")), qPrintable(backups.out));
 }
 
 void TestCli::questionsAreAnsweredWithNo()
