@@ -89,34 +89,60 @@ const QVector<ColorInfo> &Colors::table()
 {
     static const QVector<ColorInfo> colors = {
         // text
-        {"foreground", ColorInfo::Text, 0xff1f2328, 0xffe3e6ea},
-        {"comment", ColorInfo::Text, 0xff57606a, 0xffaab4c0, ColorInfo::Italic},
-        {"keyword", ColorInfo::Text, 0xff0b4fa8, 0xff8cc4ff, ColorInfo::Bold},
-        {"section", ColorInfo::Text, 0xff6b21a8, 0xffdcb2ff, ColorInfo::Bold},
-        {"property", ColorInfo::Text, 0xff0f5a63, 0xff7fdbe6},
-        {"string", ColorInfo::Text, 0xff8a3300, 0xffffc08a},
-        {"number", ColorInfo::Text, 0xff0d5f2c, 0xff93e0a6},
-        {"function", ColorInfo::Text, 0xff5c4a00, 0xffecd98a},
-        {"operator", ColorInfo::Text, 0xff3d444d, 0xffc9d1d9},
-        {"line_number", ColorInfo::Text, 0xff57606a, 0xffaab4c0},
-        {"error", ColorInfo::Text, 0xffa8071a, 0xffffb3b8, ColorInfo::Underline},
-        {"warning", ColorInfo::Text, 0xff7a4a00, 0xffffd27f, ColorInfo::Underline},
-        {"information", ColorInfo::Text, 0xff0b4fa8, 0xff8cc4ff},
+        {"foreground", QT_TRANSLATE_NOOP("Studio::Colors", "Text"), ColorInfo::Text, 0xff1f2328,
+         0xffe3e6ea},
+        {"comment", QT_TRANSLATE_NOOP("Studio::Colors", "Comments"), ColorInfo::Text, 0xff57606a,
+         0xffaab4c0, ColorInfo::Italic},
+        {"keyword", QT_TRANSLATE_NOOP("Studio::Colors", "Keywords"), ColorInfo::Text, 0xff0b4fa8,
+         0xff8cc4ff, ColorInfo::Bold},
+        {"section", QT_TRANSLATE_NOOP("Studio::Colors", "Section heads"), ColorInfo::Text,
+         0xff6b21a8, 0xffdcb2ff, ColorInfo::Bold},
+        {"property", QT_TRANSLATE_NOOP("Studio::Colors", "Names of properties"), ColorInfo::Text,
+         0xff0f5a63, 0xff7fdbe6},
+        {"string", QT_TRANSLATE_NOOP("Studio::Colors", "Strings"), ColorInfo::Text, 0xff8a3300,
+         0xffffc08a},
+        {"number", QT_TRANSLATE_NOOP("Studio::Colors", "Numbers"), ColorInfo::Text, 0xff0d5f2c,
+         0xff93e0a6},
+        {"function", QT_TRANSLATE_NOOP("Studio::Colors", "Functions"), ColorInfo::Text, 0xff5c4a00,
+         0xffecd98a},
+        {"operator", QT_TRANSLATE_NOOP("Studio::Colors", "Operators"), ColorInfo::Text, 0xff3d444d,
+         0xffc9d1d9},
+        {"line_number", QT_TRANSLATE_NOOP("Studio::Colors", "Line numbers"), ColorInfo::Text,
+         0xff57606a, 0xffaab4c0},
+        {"error", QT_TRANSLATE_NOOP("Studio::Colors", "Errors"), ColorInfo::Text, 0xffa8071a,
+         0xffffb3b8, ColorInfo::Underline},
+        {"warning", QT_TRANSLATE_NOOP("Studio::Colors", "Warnings"), ColorInfo::Text, 0xff7a4a00,
+         0xffffd27f, ColorInfo::Underline},
+        {"information", QT_TRANSLATE_NOOP("Studio::Colors", "Information"), ColorInfo::Text,
+         0xff0b4fa8, 0xff8cc4ff},
         // behind text
-        {"background", ColorInfo::TextBackground, 0xffffffff, 0xff1e2126},
-        {"line", ColorInfo::TextBackground, 0xfff1f5fb, 0xff272b32},
-        {"block_range", ColorInfo::TextBackground, 0xffeaf0f6, 0xff2b3038},
-        {"paren_range", ColorInfo::TextBackground, 0xffdcefdc, 0xff28402f},
-        {"paren", ColorInfo::TextBackground, 0xfffff2b8, 0xff4a3f14, ColorInfo::Bold},
-        {"search", ColorInfo::TextBackground, 0xfffff2b8, 0xff4a3f14},
+        {"background", QT_TRANSLATE_NOOP("Studio::Colors", "Background"), ColorInfo::TextBackground,
+         0xffffffff, 0xff1e2126},
+        {"line", QT_TRANSLATE_NOOP("Studio::Colors", "Background of the current line"),
+         ColorInfo::TextBackground, 0xfff1f5fb, 0xff272b32},
+        {"block_range", QT_TRANSLATE_NOOP("Studio::Colors", "Background of the current block"),
+         ColorInfo::TextBackground, 0xffeaf0f6, 0xff2b3038},
+        {"paren_range", QT_TRANSLATE_NOOP("Studio::Colors", "Background between brackets"),
+         ColorInfo::TextBackground, 0xffdcefdc, 0xff28402f},
+        {"paren", QT_TRANSLATE_NOOP("Studio::Colors", "Background of matching brackets"),
+         ColorInfo::TextBackground, 0xfffff2b8, 0xff4a3f14, ColorInfo::Bold},
+        {"search", QT_TRANSLATE_NOOP("Studio::Colors", "Background of what was found"),
+         ColorInfo::TextBackground, 0xfffff2b8, 0xff4a3f14},
         // over pictures
-        {"attackbox", ColorInfo::Mark, 0xffd92626, 0xffff5a5a},
-        {"collisionbox", ColorInfo::Mark, 0xff2563d9, 0xff6ea0ff},
-        {"crosshair_main", ColorInfo::Mark, 0xffc2187a, 0xffff6ec7},
-        {"crosshair_secondary", ColorInfo::Mark, 0xff0f7a3d, 0xff5fe08f},
-        {"crosshair_extra", ColorInfo::Mark, 0xff9a5b00, 0xffffb648},
-        {"back_start", ColorInfo::Mark, 0xffe6e9ee, 0xff3a3f47},
-        {"back_end", ColorInfo::Mark, 0xffc4cad3, 0xff24282e},
+        {"attackbox", QT_TRANSLATE_NOOP("Studio::Colors", "Attack boxes"), ColorInfo::Mark,
+         0xffd92626, 0xffff5a5a},
+        {"collisionbox", QT_TRANSLATE_NOOP("Studio::Colors", "Collision boxes"), ColorInfo::Mark,
+         0xff2563d9, 0xff6ea0ff},
+        {"crosshair_main", QT_TRANSLATE_NOOP("Studio::Colors", "Main crosshair"), ColorInfo::Mark,
+         0xffc2187a, 0xffff6ec7},
+        {"crosshair_secondary", QT_TRANSLATE_NOOP("Studio::Colors", "Second crosshair"),
+         ColorInfo::Mark, 0xff0f7a3d, 0xff5fe08f},
+        {"crosshair_extra", QT_TRANSLATE_NOOP("Studio::Colors", "Further crosshairs"),
+         ColorInfo::Mark, 0xff9a5b00, 0xffffb648},
+        {"back_start", QT_TRANSLATE_NOOP("Studio::Colors", "Background of pictures, top"),
+         ColorInfo::Mark, 0xffe6e9ee, 0xff3a3f47},
+        {"back_end", QT_TRANSLATE_NOOP("Studio::Colors", "Background of pictures, bottom"),
+         ColorInfo::Mark, 0xffc4cad3, 0xff24282e},
     };
     return colors;
 }
@@ -127,9 +153,19 @@ bool Colors::isDark()
         && QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
+QString Colors::text(const ColorInfo &info)
+{
+    return QCoreApplication::translate("Studio::Colors", info.text);
+}
+
 Colors::Colors(Settings &settings)
     : m_settings(settings)
 {
+}
+
+bool Colors::isChosen(const QString &key) const
+{
+    return m_settings.contains(colorKey(key));
 }
 
 QColor Colors::color(const QString &key) const

@@ -21,6 +21,7 @@ struct ColorInfo
     enum Style { Plain = 0, Bold = 1, Italic = 2, Underline = 4 };
 
     const char *key;
+    const char *text; ///< as for tr() in the context "Studio::Colors"
     Role role;
     QRgb light;
     QRgb dark;
@@ -35,11 +36,14 @@ public:
     explicit Colors(Settings &settings);
 
     static const QVector<ColorInfo> &table();
+    static QString text(const ColorInfo &info);
     /// Returns whether the palette of the application shows light text on a dark window.
     static bool isDark();
 
     /// Returns an invalid colour for a key that nobody knows.
     QColor color(const QString &key) const;
+    /// Returns whether the user chose the colour of a key.
+    bool isChosen(const QString &key) const;
     /// An invalid colour gives the key back its default.
     void setColor(const QString &key, const QColor &color);
     /// Returns the format of text colours. That of a background colours what is behind the text;

@@ -398,8 +398,7 @@ QString Host::hostVersion() const
 
 QString Host::language() const
 {
-    const QString chosen = m_settings.value(QStringLiteral("language")).toString();
-    return chosen.isEmpty() ? QLocale::system().bcp47Name() : chosen;
+    return QLocale::system().bcp47Name();
 }
 
 Vela::ParentProject *Host::currentParentProject() const

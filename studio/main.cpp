@@ -66,8 +66,12 @@ int run(const QCommandLineParser &parser)
         return errors.isEmpty() ? Done : fail(errors);
     }
     window.show();
-    if (!path.isEmpty())
-        QTimer::singleShot(0, &window, [&window, path] { window.openProject(path); });
+    QTimer::singleShot(0, &window, [&window, path] {
+        if (path.isEmpty())
+            window.reopenLastProject();
+        else
+            window.openProject(path);
+    });
     return QApplication::exec();
 }
 

@@ -16,7 +16,8 @@ struct SettingInfo
         SwitchQuestion, ///< a question: true asks, false answers Yes
         AnswerQuestion  ///< a question: 0 asks, 1 answers Yes, anything else No
     };
-    enum Page { NoPage, GeneralPage, FilesPage, TextPage, QuestionsPage };
+    /// A setting on no page is asked for by the library, and no editor makes use of it yet.
+    enum Page { NoPage, GeneralPage, FilesPage, QuestionsPage };
 
     Kind kind;
     Page page;

@@ -4,6 +4,7 @@
 #include "engine/engine.h"
 #include "engine/extensionmanager.h"
 #include "frame/filesystemarchive.h"
+#include "frame/jobstats.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
@@ -313,11 +314,16 @@ CopyResult ProjectSession::restore(const Backup &backup, Vela::JobStats *job)
             {}};
 }
 
-void ProjectSession::reload()
+void ProjectSession::reload(Vela::JobStats *job)
 {
     const QList<Vela::Project *> projects = m_parent->openedProjects();
-    for (Vela::Project *project : projects)
+    if (job)
+        job->setMaximum(unsigned(projects.size()));
+    for (Vela::Project *project : projects) {
         project->reload();
+        if (job)
+            job->incrementValue();
+    }
 }
 
 bool ProjectSession::findBackup(const QString &name, Backup *backup, QString *error) const

@@ -70,8 +70,8 @@ public:
     CopyResult backup(const QString &label, Vela::JobStats *job);
     /// Writes a backup over the project, reads all files again, and compares them.
     CopyResult restore(const Backup &backup, Vela::JobStats *job);
-    /// Reads every file again; what was not saved is lost.
-    void reload();
+    /// Reads every file again; what was not saved is lost. \a job may be null.
+    void reload(Vela::JobStats *job);
 
     /// Returns the one backup that \a name means, by its name or by its label alone. Returns false,
     /// with the reason in \a error, if there is none or more than one.

@@ -17,12 +17,12 @@
 
 namespace Studio {
 
-FileView::FileView(QWidget *parent)
+FileView::FileView(const Colors &colors, QWidget *parent)
     : QWidget(parent)
     , m_title(new QLabel)
     , m_note(new NoteLabel)
     , m_pages(new QStackedWidget)
-    , m_text(new TextPreview)
+    , m_text(new TextPreview(colors))
     , m_image(new ImagePreview)
     , m_words(new NoteLabel)
 {
@@ -100,6 +100,11 @@ void FileView::goTo(int line, int column)
 TextPreview *FileView::textPreview() const
 {
     return m_pages->currentWidget() == m_text ? m_text : nullptr;
+}
+
+void FileView::updateColors()
+{
+    m_text->updateColors();
 }
 
 void FileView::showContent()

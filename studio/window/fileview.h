@@ -13,6 +13,7 @@ class ProjectFile;
 
 namespace Studio {
 
+class Colors;
 class ImagePreview;
 class TextPreview;
 
@@ -22,7 +23,7 @@ class FileView : public QWidget
     Q_OBJECT
 
 public:
-    explicit FileView(QWidget *parent = nullptr);
+    explicit FileView(const Colors &colors, QWidget *parent = nullptr);
 
     /// Shows \a file, which must live until the next call, under \a path. Null shows nothing.
     void setFile(Vela::ProjectFile *file, const QString &path);
@@ -35,6 +36,8 @@ public:
     void goTo(int line, int column);
     /// Returns null if the file is no text.
     TextPreview *textPreview() const;
+    /// Takes the colours anew.
+    void updateColors();
 
 Q_SIGNALS:
     /// The cursor in the text is at another place, from 0; -1 for a file without a text.

@@ -11,6 +11,7 @@
 #include "studio/session/engineloader.h"
 #include "studio/window/filesavedialog.h"
 #include "studio/window/fileview.h"
+#include "studio/window/lastsession.h"
 #include "studio/window/messagesdock.h"
 #include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
@@ -128,11 +129,39 @@ bool MainWindow::openProject(const QString &path)
     return m_commands->open(path);
 }
 
+void MainWindow::reopenLastProject()
+{
+    const LastSession last = LastSession::stored(m_host);
+    if (last.project.isEmpty()
+        || !m_host.option(QStringLiteral("reopen_last_project"), true).toBool())
+        return;
+    // A project that ends the program while it opens must not do so at each start.
+    LastSession::forget(m_host);
+    QString error;
+    if (!m_commands->open(last.project, &error)) {
+        m_welcome->setNote(tr("The last project could not be opened again. %1").arg(error));
+        return;
+    }
+    m_projectDock->setExpanded(last.expanded);
+    if (m_files.file(last.file))
+        setCurrentFile(last.file);
+    storeSession();
+}
+
+void MainWindow::storeSession()
+{
+    const ProjectSession *session = m_commands->session();
+    if (session)
+        LastSession{session->path(), m_current, m_projectDock->expanded()}.store(m_host);
+    else
+        LastSession::forget(m_host);
+}
+
 void MainWindow::makeCentre()
 {
     const QList<QAction *> steps{m_host.action("new"), m_host.action("open")};
     m_welcome = new WelcomePage(m_recent, steps);
-    m_view = new FileView;
+    m_view = new FileView(m_host.colors());
     m_centre = new QStackedWidget;
     m_centre->addWidget(m_welcome);
     m_centre->addWidget(m_view);
@@ -213,7 +242,10 @@ void MainWindow::connectProject()
 {
     connect(m_commands, &ProjectCommands::opened, this, &MainWindow::onOpened);
     connect(m_commands, &ProjectCommands::aboutToClose, this, &MainWindow::onAboutToClose);
-    connect(m_commands, &ProjectCommands::closed, this, &MainWindow::updateAll);
+    connect(m_commands, &ProjectCommands::closed, this, [this] {
+        updateAll();
+        storeSession();
+    });
     connect(m_commands, &ProjectCommands::contentsChanged, this, &MainWindow::refresh);
     connect(m_commands, &ProjectCommands::done, this,
             [this](const QString &text) { statusBar()->showMessage(text, MessageTime); });
@@ -230,6 +262,11 @@ void MainWindow::connectProject()
     connect(&m_files, &OpenFiles::fileGone, this, &MainWindow::onFileGone);
     connect(&m_reader, &BackgroundReader::progressed, this, &MainWindow::onReadProgress);
     connect(&m_reader, &BackgroundReader::finished, m_commands, &ProjectCommands::offerRecovery);
+    connect(&m_host.settings(), &Settings::changed, this, [this](const QString &key) {
+        if (key.startsWith(QLatin1String("color/")))
+            m_view->updateColors();
+    });
+    connect(&m_host.settings(), &Settings::writeFailed, this, &MainWindow::onSettingsNotWritten);
     connect(&m_host, &Host::projectsRefreshed, this, &MainWindow::refresh);
     connect(&m_host, &Host::statusChanged, m_fields, &StatusFields::setText);
     connect(&m_host, &Host::logged, m_output, &QPlainTextEdit::appendPlainText);
@@ -268,8 +305,10 @@ void MainWindow::onOpened(Vela::ParentProject *parent)
     m_messagesDock->model()->setParentProject(parent);
     m_centre->setCurrentWidget(m_view);
     m_reader.start(*parent);
+    m_welcome->setNote(QString());
     setCurrentFile(firstMainFile(*parent, m_files));
     updateAll();
+    storeSession();
 }
 
 void MainWindow::onAboutToClose()
@@ -298,6 +337,14 @@ void MainWindow::onReadProgress(int done, int total)
     m_readProgress->setValue(done);
     m_readProgress->setVisible(running);
     m_stopReading->setVisible(running);
+}
+
+void MainWindow::onSettingsNotWritten(const QString &fileName)
+{
+    const QString text = tr("The settings cannot be written to %1. They last until Studio ends.")
+                             .arg(QDir::toNativeSeparators(fileName));
+    m_host.log(text);
+    statusBar()->showMessage(text);
 }
 
 void MainWindow::setCurrentFile(const QString &path)
@@ -373,6 +420,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     }
     m_host.setOption(geometryKey, saveGeometry());
     m_host.setOption(layoutKey, saveState(LayoutVersion));
+    storeSession();
     event->accept();
 }
 

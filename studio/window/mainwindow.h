@@ -49,6 +49,8 @@ public:
 
     /// Opens a project; see ProjectCommands::open().
     bool openProject(const QString &path);
+    /// Opens what was open when the program ended, if the user wants that.
+    void reopenLastProject();
     /// Makes the file of a path relative to the root current; an empty path stands for none.
     void setCurrentFile(const QString &path);
     QString currentPath() const;
@@ -90,6 +92,7 @@ private:
     void onAboutToClose();
     void onFileGone(Vela::ProjectFile *file);
     void onReadProgress(int done, int total);
+    void onSettingsNotWritten(const QString &fileName);
     void onStatusField(int field);
     void showEncodings();
     void showEngine();
@@ -103,6 +106,7 @@ private:
     void updateTitle();
     void updateStatus();
     void updateContent();
+    void storeSession();
     void restoreLayout();
 
     Host &m_host;

@@ -174,7 +174,7 @@ void MainWindow::previousMessage()
 
 void MainWindow::showSettings()
 {
-    SettingsDialog dialog(m_host.settings(), m_host.actions(), this);
+    SettingsDialog dialog(m_host, this);
     dialog.exec();
 }
 

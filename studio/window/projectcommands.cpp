@@ -9,6 +9,7 @@
 #include "project/projectfile.h"
 #include "studio/host.h"
 #include "studio/session/engineloader.h"
+#include "studio/session/messagereport.h"
 #include "studio/window/backupsdialog.h"
 #include "studio/window/newprojectdialog.h"
 #include "studio/window/recentprojects.h"
@@ -46,6 +47,84 @@ QString shortened(const QStringList &lines)
     return text;
 }
 
+/// The errors of files that come up while it lives: a file tells why it could not be saved in its
+/// messages.
+class SaveFailures
+{
+public:
+    explicit SaveFailures(const Vela::ParentProject &parent)
+        : m_parent(parent)
+        , m_before(errors())
+    {
+    }
+
+    /// Returns the paths, each with what its file has told since.
+    QStringList withReasons(const QStringList &paths) const
+    {
+        const QHash<QString, QStringList> now = errors();
+        QStringList lines;
+        for (const QString &path : paths) {
+            QStringList reasons = now.value(path);
+            const QStringList known = m_before.value(path);
+            for (const QString &text : known)
+                reasons.removeOne(text);
+            reasons.removeDuplicates();
+            reasons.prepend(path);
+            lines.append(reasons.join(QStringLiteral(": ")));
+        }
+        return lines;
+    }
+
+private:
+    QHash<QString, QStringList> errors() const
+    {
+        QHash<QString, QStringList> texts;
+        const MessageReport report(m_parent);
+        for (const MessageRecord &record : report.records()) {
+            if (record.type == Vela::Message::Error)
+                texts[record.file].append(record.text);
+        }
+        return texts;
+    }
+
+    const Vela::ParentProject &m_parent;
+    const QHash<QString, QStringList> m_before;
+};
+
+/// Keeps the closed projects of a session open while it lives.
+class ClosedProjects
+{
+public:
+    explicit ClosedProjects(ProjectSession &session)
+        : m_parent(*session.parent())
+        , m_open(m_parent.openedProjects())
+        , m_errors(session.openAllProjects())
+    {
+    }
+
+    ~ClosedProjects()
+    {
+        const QList<Vela::Project *> now = m_parent.openedProjects();
+        for (Vela::Project *project : now) {
+            if (!m_open.contains(project))
+                project->release();
+        }
+    }
+
+    /// Returns why projects could not be opened.
+    const QStringList &errors() const
+    {
+        return m_errors;
+    }
+
+private:
+    Q_DISABLE_COPY(ClosedProjects)
+
+    const Vela::ParentProject &m_parent;
+    const QList<Vela::Project *> m_open;
+    const QStringList m_errors;
+};
+
 } // namespace
 
 ProjectCommands::ProjectCommands(Host &host, RecentProjects &recent, QWidget *window)
@@ -74,15 +153,22 @@ bool ProjectCommands::isBusy() const
 
 bool ProjectCommands::open(const QString &path)
 {
+    QString error;
+    const bool isOpen = open(path, &error);
+    if (!error.isEmpty())
+        warn(tr("Open Project"), error);
+    return isOpen;
+}
+
+bool ProjectCommands::open(const QString &path, QString *error)
+{
+    error->clear();
     if (m_busy || !mayLeave())
         return false;
     const QScopedValueRollback<bool> busy(m_busy, true);
-    QString error;
-    std::unique_ptr<ProjectSession> session = ProjectSession::open(path, &error);
-    if (!session) {
-        warn(tr("Open Project"), error);
+    std::unique_ptr<ProjectSession> session = ProjectSession::open(path, error);
+    if (!session)
         return false;
-    }
     // A large project takes its time here and in the window: what waits is painted in between.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     adopt(std::move(session));
@@ -124,10 +210,12 @@ bool ProjectCommands::save()
         return false;
     const QScopedValueRollback<bool> busy(m_busy, true);
     const int count = m_session->modifiedFiles().size();
+    const SaveFailures failures(*m_session->parent());
     const QStringList unsaved = m_session->save(m_host.progress());
     Q_EMIT contentsChanged();
     if (!unsaved.isEmpty()) {
-        warn(tr("Save"), tr("These files could not be saved, and keep their changes:"), unsaved);
+        warn(tr("Save"), tr("These files could not be saved, and keep their changes:"),
+             failures.withReasons(unsaved));
         return false;
     }
     Q_EMIT done(count == 0 ? tr("There is nothing to save.") : tr("Saved."));
@@ -192,7 +280,10 @@ void ProjectCommands::backup()
         return;
     const QScopedValueRollback<bool> busy(m_busy, true);
     const Job job = newJob(m_host, tr("Backing up..."));
-    const CopyResult result = m_session->backup(label, job.get());
+    // Closed projects are part of the game as well, but only open ones are backed up.
+    const ClosedProjects closed(*m_session);
+    CopyResult result = m_session->backup(label, job.get());
+    result.errors += closed.errors();
     Q_EMIT contentsChanged();
     report(tr("Back Up"), tr("Backup %1 is made.").arg(result.name), result);
 }
@@ -245,7 +336,10 @@ void ProjectCommands::reload()
                                + tr("Reload the project?")))
         return;
     const QScopedValueRollback<bool> busy(m_busy, true);
-    m_session->reload();
+    {
+        const Job job = newJob(m_host, tr("Reading the files again..."));
+        m_session->reload(job.get());
+    }
     Q_EMIT contentsChanged();
     Q_EMIT done(tr("All files are read again."));
 }

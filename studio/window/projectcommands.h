@@ -35,6 +35,9 @@ public:
     /// Opens the project at \a path in the place of the present one. Asks about unsaved changes and
     /// tells about a failure, which leaves the present project open. Returns whether it is open.
     bool open(const QString &path);
+    /// The same without a dialog about a failure, whose reason is in \a error instead. That is
+    /// empty where the user cancelled.
+    bool open(const QString &path, QString *error);
     void chooseAndOpen();
     void createNew();
     /// Saves what is modified; returns whether everything is saved now.

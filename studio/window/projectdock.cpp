@@ -50,6 +50,34 @@ void ProjectDock::select(const QString &path)
     m_view->scrollTo(index);
 }
 
+QStringList ProjectDock::expanded() const
+{
+    QStringList paths;
+    collectExpanded(QModelIndex(), paths);
+    return paths;
+}
+
+void ProjectDock::collectExpanded(const QModelIndex &folder, QStringList &paths) const
+{
+    for (int row = 0; row < m_model.rowCount(folder); ++row) {
+        const QModelIndex child = m_model.index(row, 0, folder);
+        if (!m_view->isExpanded(child))
+            continue;
+        paths.append(m_model.path(child));
+        collectExpanded(child, paths);
+    }
+}
+
+void ProjectDock::setExpanded(const QStringList &paths)
+{
+    m_view->collapseAll();
+    for (const QString &path : paths) {
+        const QModelIndex folder = m_model.indexOf(path);
+        if (folder.isValid())
+            m_view->expand(folder);
+    }
+}
+
 QTreeView *ProjectDock::view() const
 {
     return m_view;

@@ -4,6 +4,7 @@
 #include "studio/window/projecttreemodel.h"
 
 #include <QDockWidget>
+#include <QStringList>
 
 class QTreeView;
 
@@ -22,6 +23,10 @@ public:
     void setParentProject(Vela::ParentProject *parent);
     /// Makes a file current; does nothing for a path that is not shown.
     void select(const QString &path);
+    /// Returns the expanded folders.
+    QStringList expanded() const;
+    /// Expands these folders and no others.
+    void setExpanded(const QStringList &paths);
     QTreeView *view() const;
     const ProjectTreeModel &model() const;
 
@@ -36,6 +41,7 @@ Q_SIGNALS:
     void copyPathWanted(const QString &path);
 
 private:
+    void collectExpanded(const QModelIndex &folder, QStringList &paths) const;
     void showMenu(const QPoint &place);
 
     const OpenFiles &m_files;

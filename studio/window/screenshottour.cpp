@@ -84,20 +84,29 @@ void ScreenshotTour::showProject()
     m_window.findChild<QTreeView *>(QStringLiteral("projectTree"))->expandAll();
     settle();
     take(QStringLiteral("project"));
-    m_window.host().action("next_message")->trigger();
-    settle();
-    take(QStringLiteral("message"));
+    showMessage();
     if (selectImage())
         take(QStringLiteral("image"));
     makeBackup();
-    editProperty();
+    editProperty(QStringLiteral("Encoding"), QStringLiteral("UTF-16"));
     take(QStringLiteral("unsaved"));
+}
+
+void ScreenshotTour::showMessage()
+{
+    editProperty(QStringLiteral("project.kind"), QStringLiteral("cloud"));
+    m_window.host().action("next_message")->trigger();
+    settle();
+    take(QStringLiteral("message"));
+    m_window.host().action("undo")->trigger();
+    settle();
 }
 
 void ScreenshotTour::showDialogs()
 {
     takeDialog(QStringLiteral("backups"), "restore");
     takeDialog(QStringLiteral("settings"), "settings", QString(), 1);
+    takeDialog(QStringLiteral("colours"), "settings", QString(), 2);
     takeDialog(QStringLiteral("shortcuts"), "settings", QString(), 4);
     takeDialog(QStringLiteral("command-palette"), "palette", QStringLiteral("re"));
     takeDialog(QStringLiteral("unsaved-question"), "close");
@@ -159,18 +168,18 @@ void ScreenshotTour::makeBackup()
     m_errors += result.errors;
 }
 
-void ScreenshotTour::editProperty()
+void ScreenshotTour::editProperty(const QString &name, const QString &value)
 {
     const QList<Vela::Project *> projects = parentProject().openedProjects();
     m_window.setCurrentFile(m_window.files().path(projects.last()->mainFile()));
     auto *view = m_window.findChild<QTreeView *>(QStringLiteral("properties"));
     QAbstractItemModel *model = view->model();
-    for (int row = 0; row < model->rowCount(); ++row) {
-        if (model->index(row, PropertiesModel::NameColumn).data().toString()
-            == QLatin1String("Encoding"))
-            model->setData(model->index(row, PropertiesModel::ValueColumn),
-                           QStringLiteral("UTF-16"));
-    }
+    const QModelIndexList rows = model->match(model->index(0, PropertiesModel::NameColumn),
+                                              Qt::DisplayRole, name, 1, Qt::MatchExactly);
+    if (rows.isEmpty())
+        m_errors.append(tr("%1: there is no such property").arg(name));
+    else
+        model->setData(rows.first().siblingAtColumn(PropertiesModel::ValueColumn), value);
     settle();
 }
 

@@ -36,7 +36,10 @@ private:
     void takeDialog(const QString &name, const char *action, const QString &typed = QString(),
                     int page = 0);
     void makeBackup();
-    void editProperty();
+    /// Writes a value that is wrong, goes to the message about it, and takes it back.
+    void showMessage();
+    /// Makes the main file of the last project current and changes one of its properties.
+    void editProperty(const QString &name, const QString &value);
     bool selectImage();
     const Vela::ParentProject &parentProject();
 

@@ -2,7 +2,8 @@
 #include "studio/window/settingsdialog.h"
 
 #include "frame/fileutils.h"
-#include "studio/settings.h"
+#include "studio/host.h"
+#include "studio/window/colorspage.h"
 #include "studio/window/questionspage.h"
 #include "studio/window/shortcutspage.h"
 #include "ui_settingsdialog.h"
@@ -17,10 +18,10 @@
 
 namespace Studio {
 
-SettingsDialog::SettingsDialog(Settings &settings, ActionRegistry &actions, QWidget *parent)
+SettingsDialog::SettingsDialog(Host &host, QWidget *parent)
     : QDialog(parent)
-    , m_settings(settings)
-    , m_actions(actions)
+    , m_host(host)
+    , m_settings(host.settings())
     , m_ui(std::make_unique<Ui::SettingsDialog>())
 {
     m_ui->setupUi(this);
@@ -48,9 +49,9 @@ void SettingsDialog::makePages()
 {
     addPage(tr("General"), makePage(SettingInfo::GeneralPage));
     addPage(tr("Files"), makePage(SettingInfo::FilesPage));
-    addPage(tr("Text"), makePage(SettingInfo::TextPage));
+    addPage(tr("Colours"), new ColorsPage(m_host.colors()));
     addPage(tr("Questions"), new QuestionsPage(m_settings));
-    addPage(tr("Shortcuts"), new ShortcutsPage(m_actions));
+    addPage(tr("Shortcuts"), new ShortcutsPage(m_host.actions()));
 }
 
 void SettingsDialog::addPage(const QString &title, QWidget *page)

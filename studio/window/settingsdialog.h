@@ -10,7 +10,7 @@ class SettingsDialog;
 
 namespace Studio {
 
-class ActionRegistry;
+class Host;
 class Settings;
 struct SettingInfo;
 
@@ -21,7 +21,7 @@ class SettingsDialog : public QDialog
     Q_OBJECT
 
 public:
-    SettingsDialog(Settings &settings, ActionRegistry &actions, QWidget *parent);
+    SettingsDialog(Host &host, QWidget *parent);
     ~SettingsDialog() override;
 
     /// Shows the page of that name in the list.
@@ -35,8 +35,8 @@ private:
     void exportSettings();
     void importSettings();
 
+    Host &m_host;
     Settings &m_settings;
-    ActionRegistry &m_actions;
     std::unique_ptr<Ui::SettingsDialog> m_ui;
 };
 

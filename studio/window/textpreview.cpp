@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/textpreview.h"
 
+#include "studio/colors.h"
+
 #include <QFontDatabase>
 #include <QPaintEvent>
 #include <QPainter>
@@ -14,8 +16,9 @@ constexpr int MarginPadding = 8; // pixels at either side of a line's number
 
 } // namespace
 
-TextPreview::TextPreview(QWidget *parent)
+TextPreview::TextPreview(const Colors &colors, QWidget *parent)
     : QPlainTextEdit(parent)
+    , m_colors(colors)
     , m_margin(new QWidget(this))
 {
     setReadOnly(true);
@@ -30,6 +33,7 @@ TextPreview::TextPreview(QWidget *parent)
     connect(this, &QPlainTextEdit::updateRequest, this, &TextPreview::scrollMargin);
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, &TextPreview::markLine);
     placeMargin();
+    updateColors();
 }
 
 void TextPreview::goTo(int line, int column)
@@ -41,6 +45,16 @@ void TextPreview::goTo(int line, int column)
                         qBound(0, column, block.length() - 1));
     setTextCursor(cursor);
     centerCursor();
+    markLine();
+}
+
+void TextPreview::updateColors()
+{
+    QPalette own = palette();
+    own.setColor(QPalette::Base, m_colors.color(QStringLiteral("background")));
+    own.setColor(QPalette::Text, m_colors.color(QStringLiteral("foreground")));
+    if (own != palette())
+        setPalette(own);
     markLine();
 }
 
@@ -56,7 +70,7 @@ void TextPreview::changeEvent(QEvent *event)
     if (event->type() == QEvent::FontChange)
         placeMargin();
     else if (event->type() == QEvent::PaletteChange)
-        markLine();
+        updateColors();
 }
 
 bool TextPreview::eventFilter(QObject *watched, QEvent *event)
@@ -91,7 +105,9 @@ void TextPreview::scrollMargin(const QRect &rect, int dy)
 void TextPreview::paintMargin(const QRect &rect)
 {
     QPainter painter(m_margin);
-    painter.fillRect(rect, palette().color(QPalette::AlternateBase));
+    painter.fillRect(rect, m_colors.color(QStringLiteral("line")));
+    const QColor text = m_colors.color(QStringLiteral("foreground"));
+    const QColor number = m_colors.color(QStringLiteral("line_number"));
     const int current = textCursor().blockNumber();
     const int width = m_margin->width() - MarginPadding;
     for (QTextBlock block = firstVisibleBlock(); block.isValid(); block = block.next()) {
@@ -99,7 +115,7 @@ void TextPreview::paintMargin(const QRect &rect)
         if (area.top() > rect.bottom())
             return;
         const bool isCurrent = block.blockNumber() == current;
-        painter.setPen(palette().color(isCurrent ? QPalette::Text : QPalette::PlaceholderText));
+        painter.setPen(isCurrent ? text : number);
         painter.drawText(QRectF(0, area.top(), width, fontMetrics().height()),
                          Qt::AlignRight | Qt::AlignVCenter,
                          QString::number(block.blockNumber() + 1));
@@ -109,9 +125,7 @@ void TextPreview::paintMargin(const QRect &rect)
 void TextPreview::markLine()
 {
     QTextEdit::ExtraSelection line;
-    QColor color = palette().color(QPalette::Highlight);
-    color.setAlpha(48);
-    line.format.setBackground(color);
+    line.format.setBackground(m_colors.color(QStringLiteral("line")));
     line.format.setProperty(QTextFormat::FullWidthSelection, true);
     line.cursor = textCursor();
     line.cursor.clearSelection();

@@ -68,7 +68,12 @@ WelcomePage::WelcomePage(RecentProjects &recent, const QList<QAction *> &firstSt
     , m_recent(recent)
     , m_list(new QListWidget)
     , m_nothing(new NoteLabel(tr("Projects that you open are listed here.")))
+    , m_note(new QLabel)
 {
+    m_note->setObjectName(QStringLiteral("welcomeNote"));
+    m_note->setTextFormat(Qt::PlainText);
+    m_note->setWordWrap(true);
+    m_note->hide();
     auto *steps = new QHBoxLayout;
     for (QAction *action : firstSteps)
         steps->addWidget(stepButton(action));
@@ -93,6 +98,7 @@ WelcomePage::WelcomePage(RecentProjects &recent, const QList<QAction *> &firstSt
     layout->addSpacing(48);
     layout->addLayout(titleRow());
     layout->addSpacing(8);
+    layout->addWidget(m_note);
     layout->addLayout(steps);
     layout->addWidget(hint);
     layout->addSpacing(16);
@@ -114,6 +120,12 @@ WelcomePage::WelcomePage(RecentProjects &recent, const QList<QAction *> &firstSt
 QListWidget *WelcomePage::list() const
 {
     return m_list;
+}
+
+void WelcomePage::setNote(const QString &text)
+{
+    m_note->setText(text);
+    m_note->setVisible(!text.isEmpty());
 }
 
 bool WelcomePage::eventFilter(QObject *watched, QEvent *event)

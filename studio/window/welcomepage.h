@@ -22,6 +22,8 @@ public:
                 QWidget *parent = nullptr);
 
     QListWidget *list() const;
+    /// Shows a line above the steps; an empty one shows none.
+    void setNote(const QString &text);
 
 Q_SIGNALS:
     void projectWanted(const QString &path);
@@ -38,6 +40,7 @@ private:
     RecentProjects &m_recent;
     QListWidget *m_list;
     QLabel *m_nothing;
+    QLabel *m_note;
 };
 
 } // namespace Studio

@@ -2,14 +2,17 @@
 #include "studio/windowfixture.h"
 
 #include "studio/window/textpreview.h"
+#include "support/limits_unix.h"
 
 #include <QDropEvent>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QToolButton>
+#include <cstdio>
 
 using namespace Studio;
 
@@ -70,10 +73,19 @@ private Q_SLOTS:
     void messageLeadsToItsLine();
     void fileChangedOutsideIsAskedAbout_data();
     void fileChangedOutsideIsAskedAbout();
+    void unsavedFileChangedOutsideIsAskedAboutTwice_data();
+    void unsavedFileChangedOutsideIsAskedAboutTwice();
+    void deletedFileIsSavedWhereTheUserSays();
     void interruptedSaveIsRecovered();
     void statusFieldsAct();
     void paletteRunsACommand();
     void windowComesBackAsItWasLeft();
+    void lastProjectIsReopened_data();
+    void lastProjectIsReopened();
+    void lastProjectThatIsGoneIsTold();
+    void failedSaveIsNamedWithItsReason();
+    void backupHoldsClosedProjectsAndKeepsTheTree();
+    void unwritableSettingsAreTold();
     void missingRecentProjectsStayUntilRemoved();
 
 private:
@@ -332,20 +344,31 @@ void TestMainWindow::fileChangedOutsideIsAskedAbout_data()
 {
     QTest::addColumn<QMessageBox::StandardButton>("answer");
     QTest::addColumn<bool>("reads");
-    QTest::newRow("yes") << QMessageBox::Yes << true;
-    QTest::newRow("no") << QMessageBox::No << false;
+    QTest::addColumn<bool>("replaced");
+    QTest::newRow("yes") << QMessageBox::Yes << true << false;
+    QTest::newRow("no") << QMessageBox::No << false << false;
+    QTest::newRow("replaced, yes") << QMessageBox::Yes << true << true;
 }
 
 void TestMainWindow::fileChangedOutsideIsAskedAbout()
 {
     QFETCH(QMessageBox::StandardButton, answer);
     QFETCH(bool, reads);
+    QFETCH(bool, replaced);
     QVERIFY(f->window->openProject(f->meadow()));
     QVERIFY(f->clickFile(rowan));
     DialogAnswerer dialogs;
     dialogs.answer(answer);
-    const QByteArray other = onDisk(rowan) + "# from another program\n";
-    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lantern"), other));
+    QByteArray other = onDisk(rowan) + "# from another program\n";
+    const int value = other.indexOf("author = ") + int(strlen("author = "));
+    other.replace(value, other.indexOf('\n', value) - value, "Another");
+    const QString target = f->inMeadow("rowan/rowan.lantern");
+    const QString written = replaced ? target + QStringLiteral(".new") : target;
+    QVERIFY(SmallGame::writeFile(written, other));
+    if (replaced)
+        QCOMPARE(
+            rename(QFile::encodeName(written).constData(), QFile::encodeName(target).constData()),
+            0);
     QTRY_COMPARE(dialogs.dialogs.size(), 1);
     QCOMPARE(dialogs.dialogs.first().title, QStringLiteral("File modified"));
     const auto *text = f->find<TextPreview>("textPreview");
@@ -353,6 +376,58 @@ void TestMainWindow::fileChangedOutsideIsAskedAbout()
         QTRY_COMPARE(text->toPlainText().toUtf8(), other);
     else
         QVERIFY(!text->toPlainText().contains(QLatin1String("another program")));
+    const QAbstractItemModel *properties = f->find<QTreeView>("properties")->model();
+    const QModelIndex name = properties->match(properties->index(0, 0), 0, author).value(0);
+    QTRY_COMPARE(name.siblingAtColumn(1).data().toString() == QLatin1String("Another"), reads);
+    QVERIFY(!f->window->isWindowModified());
+}
+
+void TestMainWindow::unsavedFileChangedOutsideIsAskedAboutTwice_data()
+{
+    QTest::addColumn<QMessageBox::StandardButton>("answer");
+    QTest::addColumn<bool>("kept");
+    QTest::newRow("yes") << QMessageBox::Yes << false;
+    QTest::newRow("no") << QMessageBox::No << true;
+}
+
+void TestMainWindow::unsavedFileChangedOutsideIsAskedAboutTwice()
+{
+    QFETCH(QMessageBox::StandardButton, answer);
+    QFETCH(bool, kept);
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    DialogAnswerer dialogs;
+    dialogs.answer(QMessageBox::Yes);
+    dialogs.answer(answer);
+    const QByteArray other = onDisk(rowan) + "# from another program\n";
+    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lantern"), other));
+    QTRY_COMPARE(dialogs.dialogs.size(), 2);
+    QCOMPARE(dialogs.dialogs.last().defaultButton, QMessageBox::No);
+    const auto *text = f->find<TextPreview>("textPreview");
+    QTRY_COMPARE(text->toPlainText().contains(QLatin1String("Nobody")), kept);
+    QTRY_COMPARE(f->window->isWindowModified(), kept);
+    const QModelIndex row = f->find<ProjectDock>("projectDock")->model().indexOf(rowan);
+    QCOMPARE(row.data().toString().endsWith(QChar(0x25CF)), kept);
+}
+
+void TestMainWindow::deletedFileIsSavedWhereTheUserSays()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(QFile::remove(f->inMeadow("rowan/rowan.lantern")));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    DialogAnswerer dialogs;
+    dialogs.cancel();
+    dialogs.answer(QMessageBox::Ok);
+    f->trigger("save");
+    QVERIFY(dialogs.dialogs.last().text.contains(QLatin1String("could not be saved")));
+    QVERIFY(f->window->isWindowModified());
+
+    dialogs.chooseFiles({f->inMeadow("rowan/rowan.lantern")});
+    f->trigger("save");
+    QVERIFY(onDisk(rowan).contains("author = Nobody"));
+    QVERIFY(!f->window->isWindowModified());
 }
 
 void TestMainWindow::interruptedSaveIsRecovered()
@@ -427,6 +502,134 @@ void TestMainWindow::windowComesBackAsItWasLeft()
     QVERIFY(f->find<QDockWidget>("propertiesDock")->isHidden());
     f->trigger("reset_layout");
     QVERIFY(!f->find<QDockWidget>("propertiesDock")->isHidden());
+}
+
+void TestMainWindow::lastProjectIsReopened_data()
+{
+    QTest::addColumn<bool>("wanted");
+    QTest::addColumn<bool>("closed");
+    QTest::addColumn<bool>("reopened");
+    QTest::newRow("open at the end") << true << false << true;
+    QTest::newRow("closed before the end") << true << true << false;
+    QTest::newRow("switched off") << false << false << false;
+}
+
+void TestMainWindow::lastProjectIsReopened()
+{
+    QFETCH(bool, wanted);
+    QFETCH(bool, closed);
+    QFETCH(bool, reopened);
+    f->host->setOption(QStringLiteral("reopen_last_project"), wanted);
+    QVERIFY(f->window->openProject(f->meadow()));
+    const auto folder = [this](const char *name) {
+        return f->find<ProjectDock>("projectDock")->model().indexOf(QLatin1String(name));
+    };
+    f->find<QTreeView>("projectTree")->collapseAll();
+    f->find<QTreeView>("projectTree")->expand(folder("rowan"));
+    f->find<QTreeView>("projectTree")->expand(folder("rowan/sounds"));
+    QVERIFY(f->clickFile(rowan));
+    if (closed)
+        f->trigger("close");
+    f->window->close();
+    f->stop();
+    f->start();
+    f->window->reopenLastProject();
+    QCOMPARE(session() != nullptr, reopened);
+    if (!reopened)
+        return;
+    QCOMPARE(session()->path(), f->meadow());
+    QCOMPARE(f->window->currentPath(), rowan);
+    const auto *tree = f->find<QTreeView>("projectTree");
+    QVERIFY(tree->isExpanded(folder("rowan")));
+    QVERIFY(tree->isExpanded(folder("rowan/sounds")));
+    QVERIFY(!tree->isExpanded(folder("rowan/sprites")));
+    QVERIFY(!tree->isExpanded(folder("brook")));
+}
+
+void TestMainWindow::lastProjectThatIsGoneIsTold()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    f->window->close();
+    f->stop();
+    QVERIFY(QDir(f->meadow()).removeRecursively());
+    f->start();
+    f->window->reopenLastProject();
+    QVERIFY(!session());
+    const auto *note = f->find<QLabel>("welcomeNote");
+    QVERIFY(note->isVisible());
+    QVERIFY(note->text().contains(f->meadow()));
+    // It is told once.
+    f->stop();
+    f->start();
+    f->window->reopenLastProject();
+    QVERIFY(f->find<QLabel>("welcomeNote")->isHidden());
+}
+
+void TestMainWindow::failedSaveIsNamedWithItsReason()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->clickFile(rowan));
+    QVERIFY(f->typeProperty(author, QStringLiteral("Nobody")));
+    const QByteArray before = onDisk(rowan);
+    DialogAnswerer dialogs;
+    QString told;
+    dialogs.handle([&told](QDialog *dialog) {
+        told = qobject_cast<QMessageBox *>(dialog)->informativeText();
+        dialog->accept();
+    });
+    {
+        const FullDisk full(16);
+        f->trigger("save");
+    }
+    QVERIFY(dialogs.isDone());
+    QVERIFY2(told.startsWith(rowan + QLatin1String(": ")), qPrintable(told));
+    QVERIFY2(told.contains(f->inMeadow("rowan/rowan.lantern")), qPrintable(told));
+    QCOMPARE(onDisk(rowan), before);
+    QVERIFY(f->window->isWindowModified());
+    f->trigger("save");
+    QVERIFY(onDisk(rowan).contains("author = Nobody"));
+    QVERIFY(!f->window->isWindowModified());
+}
+
+void TestMainWindow::backupHoldsClosedProjectsAndKeepsTheTree()
+{
+    QVERIFY(f->window->openProject(f->meadow()));
+    const QStringList closed = closedProjects(*session()->parent());
+    QCOMPARE(closed.size(), 1);
+    QVERIFY(f->clickFile(rowan));
+    const auto rows = [this] {
+        const QAbstractItemModel *tree = f->find<QTreeView>("projectTree")->model();
+        QStringList names;
+        for (int row = 0; row < tree->rowCount(); ++row)
+            names.append(tree->index(row, 0).data().toString());
+        names.sort();
+        return names;
+    };
+    const QStringList before = rows();
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) { typeAndAccept(dialog, QStringLiteral("all")); });
+    f->trigger("backup");
+    QVERIFY(dialogs.isDone());
+    QCOMPARE(closedProjects(*session()->parent()), closed);
+    QCOMPARE(rows(), before);
+    QCOMPARE(f->window->currentPath(), rowan);
+    QString error;
+    const QStringList files =
+        ProjectSession::backupFiles(session()->backups().list().value(0), &error);
+    QStringList expected = SmallGame::content(f->meadow()).keys();
+    expected.sort();
+    QStringList found = files;
+    found.sort();
+    QCOMPARE(found, expected);
+}
+
+void TestMainWindow::unwritableSettingsAreTold()
+{
+    const QString name = f->host->settings().fileName();
+    QFile::remove(name);
+    QVERIFY(QDir().mkpath(name));
+    QVERIFY(f->window->openProject(f->meadow()));
+    QVERIFY(f->find<QPlainTextEdit>("output")->toPlainText().contains(name));
 }
 
 void TestMainWindow::missingRecentProjectsStayUntilRemoved()

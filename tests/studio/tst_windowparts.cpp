@@ -10,9 +10,12 @@
 #include "studio/window/settingsdialog.h"
 
 #include <QAbstractItemModelTester>
+#include <QAccessible>
 #include <QCheckBox>
+#include <QColorDialog>
 #include <QKeySequenceEdit>
 #include <QLabel>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeWidget>
 
@@ -37,6 +40,8 @@ private Q_SLOTS:
     void settingIsStoredAtOnce();
     void silencedQuestionComesBack();
     void shortcutConflictIsShown();
+    void colorIsChosenAndGivenBack();
+    void everyControlHasAName();
 
 private:
     Vela::ProjectFile *openRowan();
@@ -192,7 +197,7 @@ void TestWindowParts::contentIsWhatTheOpenFileHolds()
 
 void TestWindowParts::settingIsStoredAtOnce()
 {
-    SettingsDialog dialog(f->host->settings(), f->host->actions(), nullptr);
+    SettingsDialog dialog(*f->host, nullptr);
     dialog.show();
     dialog.showPage(1);
     auto *box = dialog.findChild<QCheckBox *>(QStringLiteral("enable_file_watcher"));
@@ -205,7 +210,7 @@ void TestWindowParts::settingIsStoredAtOnce()
 void TestWindowParts::silencedQuestionComesBack()
 {
     f->host->setOption(QStringLiteral("showmsg_reload_file"), 2);
-    SettingsDialog dialog(f->host->settings(), f->host->actions(), nullptr);
+    SettingsDialog dialog(*f->host, nullptr);
     dialog.show();
     dialog.showPage(3);
     auto *list = dialog.findChild<QTreeWidget *>(QStringLiteral("silencedQuestions"));
@@ -217,7 +222,7 @@ void TestWindowParts::silencedQuestionComesBack()
 
 void TestWindowParts::shortcutConflictIsShown()
 {
-    SettingsDialog dialog(f->host->settings(), f->host->actions(), nullptr);
+    SettingsDialog dialog(*f->host, nullptr);
     dialog.show();
     dialog.showPage(4);
     auto *list = dialog.findChild<QTreeWidget *>(QStringLiteral("shortcuts"));
@@ -235,6 +240,55 @@ void TestWindowParts::shortcutConflictIsShown()
     QTest::keyClick(keys, Qt::Key_S, Qt::ControlModifier);
     QTRY_VERIFY(conflict->text().contains(QLatin1String("Save")));
     QTRY_COMPARE(f->host->action("reload")->shortcut(), QKeySequence(Qt::CTRL + Qt::Key_S));
+}
+
+void TestWindowParts::colorIsChosenAndGivenBack()
+{
+    QVERIFY(openRowan());
+    const auto *text = f->find<QPlainTextEdit>("textPreview");
+    const QColor standard = text->palette().color(QPalette::Base);
+    SettingsDialog dialog(*f->host, nullptr);
+    dialog.show();
+    dialog.showPage(2);
+    auto *list = dialog.findChild<QTreeWidget *>(QStringLiteral("colors"));
+    auto *reset = dialog.findChild<QPushButton *>(QStringLiteral("resetColor"));
+    list->setCurrentItem(list->findItems(QStringLiteral("Background"), Qt::MatchExactly).value(0));
+    QVERIFY(list->currentItem() && !reset->isEnabled());
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *chooser) {
+        qobject_cast<QColorDialog *>(chooser)->setCurrentColor(QColor(255, 250, 205));
+        chooser->accept();
+    });
+    QTest::mouseClick(dialog.findChild<QPushButton *>(QStringLiteral("changeColor")),
+                      Qt::LeftButton);
+    QCOMPARE(text->palette().color(QPalette::Base), QColor(255, 250, 205));
+    QCOMPARE(list->currentItem()->text(1), QStringLiteral("#fffacd"));
+    QTest::mouseClick(reset, Qt::LeftButton);
+    QCOMPARE(text->palette().color(QPalette::Base), standard);
+    QVERIFY(!reset->isEnabled());
+}
+
+void TestWindowParts::everyControlHasAName()
+{
+    const auto nameless = [](const QWidget &window) {
+        QStringList found;
+        const QList<QWidget *> widgets = window.findChildren<QWidget *>();
+        for (QWidget *widget : widgets) {
+            const auto *face = QAccessible::queryAccessibleInterface(widget);
+            // What is part of another control has the name of that.
+            if (widget->window() == &window && (widget->focusPolicy() & Qt::TabFocus)
+                && !widget->focusProxy() && face
+                && !widget->objectName().startsWith(QLatin1String("qt_"))
+                && face->text(QAccessible::Name).isEmpty())
+                found.append(QLatin1String(widget->metaObject()->className()) + QLatin1Char(' ')
+                             + widget->objectName());
+        }
+        return found;
+    };
+    QVERIFY(openRowan());
+    QCOMPARE(nameless(*f->window).join(QLatin1Char(';')), QString());
+    const SettingsDialog dialog(*f->host, nullptr);
+    QCOMPARE(nameless(dialog).join(QLatin1Char(';')), QString());
 }
 
 QTEST_MAIN(TestWindowParts)
