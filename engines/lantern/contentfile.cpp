@@ -17,17 +17,21 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(Lantern)
 };
 
-bool writeAll(Vela::Archive &archive, const QString &name, const QByteArray &data)
+/// Returns whether the content is in its place; else \a reason says why, as far as it is known.
+bool writeAll(Vela::Archive &archive, const QString &name, const QByteArray &data, QString &reason)
 {
+    reason = Texts::tr("it cannot be opened or replaced");
     QIODevice *const device = archive.openFile(name, QIODevice::WriteOnly);
     if (!device)
         return false;
     bool written = device->write(data) == data.size();
-    // A full disk shows only when the buffer goes out.
+    // A full disk shows only when the buffer goes out. It takes a part first, without an error;
+    // asking for the rest brings the reason.
     if (auto *const file = qobject_cast<QFileDevice *>(device))
-        written = file->flush() && written;
+        written = (file->flush() || file->flush()) && written;
     if (written)
         return archive.commitFile(device);
+    reason = device->errorString();
     archive.discardFile(device);
     return false;
 }
@@ -110,8 +114,9 @@ bool ContentFile::toFile(Vela::Archive &archive, const QString &name, unsigned i
     QString error;
     if (!contentBytes(data, error))
         return fail(error, stats);
-    if (!writeAll(archive, name, data))
-        return fail(Texts::tr("The file '%1' cannot be written.").arg(name), stats);
+    QString reason;
+    if (!writeAll(archive, name, data, reason))
+        return fail(Texts::tr("The file '%1' cannot be written: %2.").arg(name, reason), stats);
     if (!(flags & Copy)) {
         if (m_loaded)
             fileSaved(archive, name, false);

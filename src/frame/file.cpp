@@ -115,7 +115,8 @@ void File::bringToDisk()
 {
     if (!isWritable())
         return;
-    if (!flush())
+    // A disk that fills up takes a part at first; asking for the rest brings the reason.
+    if (!flush() && !flush())
         noteFailure(errorString());
     else if (isReplacement() && !syncToDisk(*this))
         noteFailure(qt_error_string());

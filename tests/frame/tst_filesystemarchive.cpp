@@ -420,6 +420,7 @@ void TestFileSystemArchive::failedWritesLeaveNoHalfOfANewFile()
     }
     QCOMPARE(dialogs.dialogs.size(), 2);
     QVERIFY(dialogs.dialogs[1].text.contains(path(QStringLiteral("new.act"))));
+    QVERIFY(dialogs.dialogs[1].text.contains(QLatin1String("File too large")));
     QCOMPARE(list(m_archive, m_folder->path()), QStringList{target});
     QCOMPARE(read(m_archive, path()), QByteArray("old"));
 

@@ -9,6 +9,7 @@
 #include "frame/textcodecs.h"
 #include "project/searchableprojectfile.h"
 #include "support/dialoganswerer.h"
+#include "support/limits_unix.h"
 #include "support/memoryarchive.h"
 #include "support/recordinghost.h"
 
@@ -44,6 +45,7 @@ private Q_SLOTS:
     void reloadAsksAboutUnsavedChanges();
     void contentIsReadWhenItIsNeeded();
     void copiesAndFailures();
+    void fullDiskIsNamedAndLosesNothing();
     void namesInAnotherCase_data();
     void namesInAnotherCase();
     void searchAndReplace();
@@ -431,6 +433,25 @@ void tst_LanternFiles::copiesAndFailures()
     file->reset();
     QVERIFY(file->isEmpty() && !file->isModified());
     QCOMPARE(file->fileName(), QString());
+}
+
+void tst_LanternFiles::fullDiskIsNamedAndLosesNothing()
+{
+    const QByteArray data = "[project]\nname = x\n";
+    const QString name = path("full.lantern");
+    writeFile(name, data);
+    Held<DefinitionFile> file(new DefinitionFile(Scope::Project));
+    QVERIFY(file->fromFile(disk(), name, 0, nullptr));
+    assign(*file, "project.name", "y");
+    {
+        const FullDisk full(10);
+        QVERIFY(!file->toFile(disk(), name, 0, nullptr));
+    }
+    QVERIFY(file->isModified());
+    QCOMPARE(readFile(name), data);
+    const QString text = file->messages()->at(0, Message::Error).text;
+    QVERIFY2(text.contains(name) && text.contains(QLatin1String("File too large")),
+             qPrintable(text));
 }
 
 void tst_LanternFiles::namesInAnotherCase_data()
