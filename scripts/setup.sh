@@ -51,6 +51,7 @@ quietly() {
 # archive that the machine's own sources name, through package lists that nothing else reads.
 install_sol2() {
   local site suite scratch
+  quietly as_root apt-get update || fail "the package lists could not be updated"
   site=$(apt-get indextargets --format '$(CREATED_BY)|$(ORIGIN)|$(COMPONENT)|$(SITE)' 2>/dev/null |
     awk -F'|' '$1 == "Packages" && $2 == "Debian" && $3 == "main" && $4 !~ /security/ { print $4; exit }')
   [ -n "$site" ] || fail "no Debian archive among this machine's package sources to take sol2-dev from"
