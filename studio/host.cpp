@@ -100,7 +100,6 @@ void Host::addParentProject(Vela::ParentProject *project)
         return;
     m_parentProjects.append(project);
     connect(project, &QObject::destroyed, this, &Host::forget);
-    Q_EMIT parentProjectAdded(project);
     if (!m_currentParent)
         setCurrentParentProject(project);
 }
@@ -123,7 +122,6 @@ void Host::forget(QObject *project)
         m_parentProjects.removeAt(i);
         if (gone == m_currentParent)
             setCurrent(m_parentProjects.value(0), nullptr);
-        Q_EMIT parentProjectRemoved(gone);
         return;
     }
 }

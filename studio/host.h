@@ -129,9 +129,6 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
-    void parentProjectAdded(Vela::ParentProject *project);
-    /// \a project may be on its way out and is no more than an address.
-    void parentProjectRemoved(Vela::ParentProject *project);
     /// One or both of the current parent project and the current project are others now.
     void currentProjectChanged();
     void projectsRefreshed();

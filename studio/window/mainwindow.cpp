@@ -9,6 +9,7 @@
 #include "project/projectfile.h"
 #include "studio/host.h"
 #include "studio/session/engineloader.h"
+#include "studio/toolbararea.h"
 #include "studio/window/filesavedialog.h"
 #include "studio/window/fileview.h"
 #include "studio/window/lastsession.h"
@@ -81,6 +82,7 @@ MainWindow::MainWindow(Host &host, QWidget *parent)
     m_contentTimer.setSingleShot(true);
     connect(&m_contentTimer, &QTimer::timeout, this, &MainWindow::updateContent);
 
+    connectEditors();
     makeActions();
     makeCentre();
     makeDocks();
@@ -101,6 +103,7 @@ MainWindow::~MainWindow()
     for (int type = -1; type <= Vela::Project::Scripts; ++type)
         m_host.registerFileSaver(type, nullptr);
     m_host.disconnect(this);
+    m_host.actions().disconnect(this);
     m_host.setMainWindow(nullptr);
 }
 
@@ -236,6 +239,18 @@ void MainWindow::makeStatusBar()
         onReadProgress(0, 0);
         m_commands->offerRecovery();
     });
+}
+
+// What editors and extensions ask the host for appears in the window.
+void MainWindow::connectEditors()
+{
+    connect(&m_host, &Host::toolBarAreaAdded, this, [this](ToolBarArea *area) {
+        addToolBarBreak();
+        addToolBar(area);
+    });
+    // An action that stands in no menu has its shortcut through the window.
+    connect(&m_host.actions(), &ActionRegistry::actionAdded, this,
+            [this](QAction *action) { addAction(action); });
 }
 
 void MainWindow::connectProject()

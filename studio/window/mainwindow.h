@@ -74,6 +74,7 @@ private:
     void makeActions();
     void makeMenus();
     void makeToolBar();
+    void connectEditors();
     void connectProject();
     void connectDocks();
 

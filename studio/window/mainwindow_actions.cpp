@@ -57,7 +57,6 @@ void MainWindow::makeActions()
         spec.scope = QStringLiteral("all");
         connect(action, &QAction::triggered, this, [this, &row] { row.run(*this); });
         m_host.actions().add(action, spec);
-        addAction(action);
     }
 }
 

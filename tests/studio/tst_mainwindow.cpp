@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "studio/windowfixture.h"
 
+#include "frame/controldescriptor.h"
 #include "studio/window/textpreview.h"
 #include "support/limits_unix.h"
 
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
+    void whatEditorsAskForIsInTheWindow();
     void projectIsOpenedAndClosed();
     void whatIsNoProjectIsRefused();
     void droppedFolderIsOpened();
@@ -114,6 +116,24 @@ QByteArray TestMainWindow::onDisk(const QString &name) const
 ProjectSession *TestMainWindow::session() const
 {
     return f->window->commands().session();
+}
+
+void TestMainWindow::whatEditorsAskForIsInTheWindow()
+{
+    QVERIFY(QTest::qWaitForWindowActive(f->window.get()));
+    f->host->setCurrentToolBarArea(QStringLiteral("anim_bar"));
+    const Vela::SpinBoxControl control(nullptr, nullptr, nullptr, nullptr, 0, 9);
+    QWidget *box = f->host->createControl(QStringLiteral("anim_time"), &control);
+    QVERIFY(box);
+    QTRY_VERIFY(box->isVisible());
+    QCOMPARE(box->window(), f->window.get());
+
+    f->host->setOption(QStringLiteral("shortcut/anim_play"), QStringLiteral("Ctrl+Alt+J"));
+    QAction *play = f->host->createAction("anim_play", "anim_play", f->host.get(), 0, false,
+                                          nullptr, nullptr, nullptr, nullptr);
+    QSignalSpy played(play, &QAction::triggered);
+    QTest::keyClick(f->window.get(), Qt::Key_J, Qt::ControlModifier | Qt::AltModifier);
+    QCOMPARE(played.size(), 1);
 }
 
 void TestMainWindow::projectIsOpenedAndClosed()
