@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "lantern/definition.h"
-#include "lantern/settings.h"
+#include "lantern/definitionfile.h"
 #include "lantern/textcontent.h"
 
 #include "frame/textcodecs.h"
+#include "project/messages.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 #include <cstdlib>
 
@@ -17,48 +17,62 @@ void require(bool condition)
         std::abort();
 }
 
-// Every place that was found lies in the text, and each value can be written back.
-void check(const Lantern::Definition &definition, const QString &text)
-{
-    for (const Lantern::Setting &setting : definition.settings) {
-        require(setting.valueOffset >= 0 && setting.valueLength >= 0);
-        require(setting.valueOffset + setting.valueLength <= text.size());
-        require(setting.line < definition.lineCount);
-        const Lantern::Definition again(QStringLiteral("[a]\nb = ")
-                                        + Lantern::quotedIfNeeded(setting.value));
-        require(again.settings.size() == 1 && again.settings.at(0).value == setting.value);
-    }
-    for (const Vela::Message &message : definition.messages)
-        require(int(message.line) <= definition.lineCount);
-}
-
 bool staysBelow(const QString &path)
 {
     return !path.isEmpty() && path != QLatin1String("..") && !path.startsWith(QLatin1String("../"))
         && !path.startsWith(QLatin1Char('/'));
 }
 
+// Every file lies below the folder, and every message in the text.
+void check(const Lantern::DefinitionFile &document)
+{
+    for (const Lantern::FileEntry &entry : document.settings().files)
+        require(staysBelow(entry.path));
+    const Vela::Messages *const messages = document.messages();
+    for (int i = 0; i < messages->rowCount(); ++i)
+        require(int(messages->at(unsigned(i), Vela::Message::Any).line) < document.blockCount());
+}
+
+// Any text can be written as a name, and undo takes it back.
+void checkName(Lantern::DefinitionFile &document)
+{
+    const QString text = document.toString();
+    const QString value = QStringLiteral(" a # \"b\"");
+    for (const char *name : {"game.name", "project.name"}) {
+        const QString property = QLatin1String(name);
+        if (!document.propertyNames().contains(property))
+            continue;
+        document.setProperty(property, value);
+        require(document.property(property).toString() == value);
+        check(document);
+        document.undo();
+        require(document.toString() == text);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
-    static QCoreApplication application(*argc, *argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static QGuiApplication application(*argc, *argv);
     Vela::TextCodecs::initialize();
     return 0;
 }
 
-// The whole input is a main file, of a game and of a project.
+// The whole input is a main file, of a game and of a project, and motions.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray file(reinterpret_cast<const char *>(data), int(size));
     const Lantern::TextContent content(file);
     require(content.toData() == file);
-    const Lantern::Definition definition(content.text());
-    check(definition, content.text());
-    for (const Lantern::Scope scope : {Lantern::Scope::Game, Lantern::Scope::Project}) {
-        const Lantern::Settings settings(definition, scope);
-        for (const Lantern::FileEntry &entry : settings.files)
-            require(staysBelow(entry.path));
+    for (const Lantern::Scope scope :
+         {Lantern::Scope::Game, Lantern::Scope::Project, Lantern::Scope::Motion}) {
+        auto *const document = new Lantern::DefinitionFile(scope);
+        document->fromString(content.text());
+        check(*document);
+        checkName(*document);
+        document->release();
     }
     return 0;
 }

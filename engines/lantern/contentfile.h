@@ -1,26 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "lantern/latecontent.h"
+
 #include "frame/propertyitem.h"
 #include "project/filewatchobject.h"
 #include "project/projectfile.h"
 
 namespace Lantern {
 
-/// A file of a project: the reading and writing of bytes, which subclasses make content of. A file
-/// that was only attached to its name reads its content when that is first asked for.
+/// A file of a project: the reading and writing of bytes, which subclasses make content of.
 class ContentFile : public Vela::ProjectFile,
                     public Vela::PropertyItem,
-                    public Vela::FileWatchObject
+                    public Vela::FileWatchObject,
+                    public LateContent
 {
 public:
-    /// A file above this size is not read.
-    static constexpr qint64 largestSize = 256 * 1024 * 1024;
-
-    /// Binds the file to its name without reading it.
-    void attach(Vela::Archive &archive, const QString &name);
-    bool isLoaded() const;
-
     bool canSave() const override;
     bool toFile(Vela::Archive &archive, const QString &name, unsigned int flags,
                 Vela::JobStats *stats) override;
@@ -39,8 +34,8 @@ protected:
     explicit ContentFile(const char *extension);
     void free() override;
 
-    /// Reads the content now if that has not happened.
-    void ensureLoaded() const;
+    void bindTo(Vela::Archive &archive, const QString &name) override;
+    void load() override;
 
     /// Takes what was read, as a change that is not saved; with \a again it takes the place of the
     /// content that stands.
@@ -60,12 +55,6 @@ private:
 
     const char *const m_extension;
     QString m_name;
-    bool m_loaded = false;
 };
-
-/// Reads a whole file, if it is not above \a largest bytes. Returns false with a reason in
-/// \a error.
-bool readAll(Vela::Archive &archive, const QString &name, qint64 largest, QByteArray &data,
-             QString &error);
 
 } // namespace Lantern

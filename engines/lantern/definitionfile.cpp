@@ -2,7 +2,11 @@
 #include "lantern/definitionfile.h"
 
 #include "lantern/filenames.h"
+#include "lantern/line.h"
+#include "lantern/sectioncode.h"
+#include "lantern/settingcode.h"
 
+#include "code/rootcode.h"
 #include "frame/archive.h"
 
 #include <QCoreApplication>
@@ -24,14 +28,17 @@ bool standsBefore(const Vela::Message &a, const Vela::Message &b)
     return qMakePair(a.line, a.column) < qMakePair(b.line, b.column);
 }
 
+bool isSamePath(const FileEntry &a, const FileEntry &b)
+{
+    return a.path == b.path;
+}
+
 } // namespace
 
 DefinitionFile::DefinitionFile(Scope scope)
-    : TextFile("lantern")
-    , m_scope(scope)
-    , m_definition(QString())
-    , m_settings(m_definition, scope)
+    : Document(scope)
 {
+    m_settings = Settings(*root(), scope);
 }
 
 const Settings &DefinitionFile::settings() const
@@ -53,105 +60,64 @@ void DefinitionFile::setListener(const std::function<void()> &listener)
 
 void DefinitionFile::reportAt(const FileEntry &entry, const QString &text)
 {
-    textMessages().add(Vela::Message::Error, text, unsigned(entry.line), unsigned(entry.column));
+    addFailure({Vela::Message::Error, unsigned(entry.line), unsigned(entry.column), text});
 }
 
-void DefinitionFile::textChanged()
+void DefinitionFile::updateChecks(bool read)
 {
-    m_definition = Definition(text());
-    m_settings = Settings(m_definition, m_scope);
-    nameProperties();
-
-    QVector<Vela::Message> messages = m_definition.messages + m_settings.messages;
-    m_files.clear();
-    if (!fileName().isEmpty()) {
-        m_files = spelledFiles(archive(), archive().absoluteFilePath(fileName()), m_settings.files,
-                               messages);
-    }
+    m_areNamed = false;
+    m_settings = Settings(*root(), scope());
+    spellFiles(read);
+    QVector<Vela::Message> messages = m_settings.messages + boxMessages();
+    listFiles(messages);
     std::stable_sort(messages.begin(), messages.end(), standsBefore);
     limitMessages(messages);
-    for (const Vela::Message &message : qAsConst(messages))
-        textMessages().add(message.type, message.text, message.line, message.column);
+    setChecks(messages);
     if (m_listener)
         m_listener();
 }
 
-// Of a setting that counts once, the last one is the property.
-void DefinitionFile::nameProperties()
+// Looks into the folders only where the text names other files than before: it is asked at every
+// key that is typed.
+void DefinitionFile::spellFiles(bool read)
 {
-    m_propertyNames.clear();
-    m_settingOf.clear();
-    QHash<QString, int> counts;
-    for (int i = 0; i < m_definition.settings.size(); ++i) {
-        const Setting &setting = m_definition.settings.at(i);
-        QString name = setting.section + QLatin1Char('.') + setting.key;
-        const int number = ++counts[name];
-        const bool list = setting.section == QLatin1String("files")
-            || setting.section == QLatin1String("projects");
-        if (list && number > 1)
-            name += QLatin1Char('.') + QString::number(number);
-        if (!m_settingOf.contains(name))
-            m_propertyNames.append(name);
-        m_settingOf.insert(name, i);
+    const QVector<FileEntry> &named = m_settings.files;
+    const bool same =
+        std::equal(named.begin(), named.end(), m_named.begin(), m_named.end(), isSamePath);
+    if (read || !same) {
+        const QString folder = archive().absoluteFilePath(fileName());
+        FileNames names(archive(), folder);
+        m_spelled = named;
+        for (FileEntry &entry : m_spelled) {
+            const QString spelled = fileName().isEmpty() ? QString() : names.spelled(entry.path);
+            entry.missing = spelled.isEmpty();
+            // A folder or a pipe is nothing that could be read or copied.
+            const bool noFile =
+                entry.missing && archive().fileExists(folder + QLatin1Char('/') + entry.path);
+            entry.path = noFile ? QString() : entry.missing ? entry.path : spelled;
+        }
+        m_named = named;
     }
 }
 
-QStringList DefinitionFile::propertyNames() const
+// Takes each file once.
+void DefinitionFile::listFiles(QVector<Vela::Message> &messages)
 {
-    ensureLoaded();
-    return TextFile::propertyNames() + m_propertyNames;
-}
-
-QVariant DefinitionFile::property(const QString &name) const
-{
-    ensureLoaded();
-    const int setting = m_settingOf.value(name, -1);
-    return setting < 0 ? TextFile::property(name)
-                       : QVariant(m_definition.settings.at(setting).value);
-}
-
-void DefinitionFile::setProperty(const QString &name, const QVariant &value)
-{
-    ensureLoaded();
-    const int index = m_settingOf.value(name, -1);
-    if (index < 0) {
-        TextFile::setProperty(name, value);
+    m_files.clear();
+    if (fileName().isEmpty())
         return;
-    }
-    const Setting &setting = m_definition.settings.at(index);
-    // A value ends with its line.
-    const QString written = value.toString();
-    if (written == setting.value || written.contains(QLatin1Char('\n'))
-        || written.contains(QLatin1Char('\r')) || written.contains(QChar(0)))
-        return;
-    TextContent changed = content();
-    const int behind = setting.valueOffset + setting.valueLength;
-    const bool glued =
-        behind < changed.text().size() && changed.text().at(behind) == QLatin1Char('#');
-    changed.replace(setting.valueOffset, setting.valueLength,
-                    quotedIfNeeded(written) + (glued ? QStringLiteral(" ") : QString()));
-    change(changed);
-}
-
-QVector<FileEntry> spelledFiles(Vela::Archive &archive, const QString &folder,
-                                const QVector<FileEntry> &files, QVector<Vela::Message> &messages)
-{
-    QVector<FileEntry> result;
     QSet<QPair<int, QString>> known;
-    FileNames names(archive, folder);
-    for (FileEntry entry : files) {
-        const QString spelled = names.spelled(entry.path);
+    for (int i = 0; i < m_spelled.size(); ++i) {
+        FileEntry entry = m_settings.files.at(i);
         const QString named = clipped(entry.path);
         const auto warn = [&](const QString &text) {
             messages.append({Vela::Message::Warning, unsigned(entry.line), unsigned(entry.column),
                              text.arg(named)});
         };
-        entry.missing = spelled.isEmpty();
-        if (!entry.missing)
-            entry.path = spelled;
-        // A folder or a pipe is nothing that could be read or copied.
-        const bool noFile =
-            entry.missing && archive.fileExists(folder + QLatin1Char('/') + entry.path);
+        entry.missing = m_spelled.at(i).missing;
+        const bool noFile = m_spelled.at(i).path.isEmpty();
+        if (!noFile)
+            entry.path = m_spelled.at(i).path;
         const int before = known.size();
         known.insert({entry.type, entry.path});
         if (known.size() == before)
@@ -159,9 +125,77 @@ QVector<FileEntry> spelledFiles(Vela::Archive &archive, const QString &folder,
         else if (entry.missing)
             warn(Texts::tr("The file '%1' does not exist."));
         if (known.size() > before && !noFile)
-            result.append(entry);
+            m_files.append(entry);
     }
-    return result;
+}
+
+// Of a setting that counts once, the last one is the property.
+void DefinitionFile::nameSettings() const
+{
+    m_areNamed = true;
+    m_propertyNames.clear();
+    m_settingOf.clear();
+    QHash<QString, int> counts;
+    const QList<Vela::CodeNode *> childs = root()->childs();
+    for (const Vela::CodeNode *child : childs) {
+        if (child->type() != Vela::CodeNode::Group)
+            continue;
+        const SectionCode &section = static_cast<const SectionCode &>(*child);
+        const QList<Vela::ValueCode *> values = section.values();
+        for (Vela::ValueCode *value : values) {
+            SettingCode *const setting = static_cast<SettingCode *>(value);
+            QString name = section.name() + QLatin1Char('.') + setting->name();
+            const int number = ++counts[name];
+            if (setting->rule() && setting->rule()->isList && number > 1)
+                name += QLatin1Char('.') + QString::number(number);
+            if (!m_settingOf.contains(name))
+                m_propertyNames.append(name);
+            m_settingOf.insert(name, setting);
+        }
+    }
+}
+
+SettingCode *DefinitionFile::settingOf(const QString &name) const
+{
+    ensureLoaded();
+    if (!m_areNamed)
+        nameSettings();
+    SettingCode *const setting = m_settingOf.value(name);
+    // Inside a bracket nodes go before this class hears of it.
+    return Vela::CodeNode::isValid(setting) ? setting : nullptr;
+}
+
+QStringList DefinitionFile::propertyNames() const
+{
+    ensureLoaded();
+    if (!m_areNamed)
+        nameSettings();
+    return Document::propertyNames() + m_propertyNames;
+}
+
+QVariant DefinitionFile::property(const QString &name) const
+{
+    const SettingCode *const setting = settingOf(name);
+    return setting ? QVariant(setting->text()) : Document::property(name);
+}
+
+void DefinitionFile::setProperty(const QString &name, const QVariant &value)
+{
+    SettingCode *const setting = settingOf(name);
+    if (!setting) {
+        Document::setProperty(name, value);
+        return;
+    }
+    // A value ends with its line.
+    const QString written = value.toString();
+    if (written == setting->text() || written.contains(QLatin1Char('\n'))
+        || written.contains(QLatin1Char('\r')) || written.contains(QChar(0)))
+        return;
+    const int end = setting->valueEnd();
+    // A comment may stand right behind the closing quote.
+    const bool glued = setting->block().text().midRef(end).startsWith(QLatin1Char('#'));
+    replaceColumns(*setting, setting->valueStart(), end,
+                   quotedIfNeeded(written) + (glued ? QStringLiteral(" ") : QString()));
 }
 
 } // namespace Lantern

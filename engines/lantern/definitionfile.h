@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "lantern/definition.h"
+#include "lantern/document.h"
 #include "lantern/settings.h"
-#include "lantern/textfile.h"
 
-#include <QHash>
 #include <functional>
 
 namespace Lantern {
 
+class SettingCode;
+
 /// The main file of a project or of a whole game: its definition text with the settings in it.
 ///
-/// Beside the properties of every text file it has one for each setting, "section.key"; of settings
+/// Beside the properties of every document it has one for each setting, "section.key"; of settings
 /// that may stand more than once the second is "section.key.2", and so on. Setting one changes the
 /// value in the text and nothing around it.
-class DefinitionFile : public TextFile
+class DefinitionFile : public Document
 {
 public:
     explicit DefinitionFile(Scope scope);
@@ -33,24 +33,24 @@ public:
     void setProperty(const QString &name, const QVariant &value) override;
 
 protected:
-    void textChanged() override;
+    void updateChecks(bool read) override;
 
 private:
-    void nameProperties();
+    void spellFiles(bool read);
+    void listFiles(QVector<Vela::Message> &messages);
+    void nameSettings() const;
+    SettingCode *settingOf(const QString &name) const;
 
-    const Scope m_scope;
-    Definition m_definition;
     Settings m_settings;
+    QVector<FileEntry> m_named;   // as the text spells them
+    QVector<FileEntry> m_spelled; // the same, as the archive does
     QVector<FileEntry> m_files;
-    QStringList m_propertyNames;
-    QHash<QString, int> m_settingOf;
     std::function<void()> m_listener;
-};
 
-/// Returns \a files spelled as the archive does, each once. Those that are missing are marked, and
-/// what is there but no file is left out. Appends a warning to \a messages about both, and about
-/// what is named twice.
-QVector<FileEntry> spelledFiles(Vela::Archive &archive, const QString &folder,
-                                const QVector<FileEntry> &files, QVector<Vela::Message> &messages);
+    // The settings by their properties, made when they are asked for.
+    mutable bool m_areNamed = false;
+    mutable QStringList m_propertyNames;
+    mutable QHash<QString, SettingCode *> m_settingOf;
+};
 
 } // namespace Lantern

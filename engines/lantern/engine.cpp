@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/engine.h"
 
-#include "lantern/definition.h"
+#include "lantern/line.h"
 #include "lantern/parentproject.h"
 #include "lantern/project.h"
 #include "lantern/settings.h"

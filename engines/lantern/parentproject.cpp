@@ -128,17 +128,13 @@ void ParentProject::closedProjectFiles(const QString &path, QStringList &files) 
     while (folder.endsWith(QLatin1Char('/')))
         folder.chop(1);
     const QString mainFile = m_closed.value(folder);
-    QByteArray data;
-    QString error;
     if (mainFile.isEmpty())
         return;
     files.append(mainFile);
-    if (!readAll(archive(), absolute(mainFile), ContentFile::largestSize, data, error))
-        return;
-    const Settings settings(Definition(TextContent(data).text()), Scope::Project);
-    QVector<Vela::Message> messages;
-    const QVector<FileEntry> entries =
-        spelledFiles(archive(), absolute(folder), settings.files, messages);
+    DefinitionFile *const main = new DefinitionFile(Scope::Project);
+    main->fromFile(archive(), absolute(mainFile), 0, nullptr);
+    const QVector<FileEntry> entries = main->files();
+    main->release();
     for (const FileEntry &entry : entries) {
         const QString file = folder + QLatin1Char('/') + entry.path;
         if (!files.contains(file))

@@ -3,6 +3,7 @@
 
 #include "lantern/binaryfile.h"
 #include "lantern/parentproject.h"
+#include "lantern/textfile.h"
 
 #include "frame/archive.h"
 
@@ -18,8 +19,16 @@ Project::Project(ParentProject *parent, DefinitionFile *main)
     , m_name(Project::name())
 {
     QObject::setParent(parent);
+    m_namesChanged.setSingleShot(true);
+    connect(&m_namesChanged, &QTimer::timeout, this, &Project::passOnNames);
+    connect(this, &Project::fileAdded, this,
+            [this](const Vela::ProjectFile *, int type) { onFilesChanged(type); });
+    connect(this, &Project::fileRemoved, this,
+            [this](const Vela::ProjectFile *, int type) { onFilesChanged(type); });
     matchFiles();
     m_definition->setListener([this] { definitionChanged(); });
+    m_namesChanged.stop();
+    passOnNames();
     addToParent();
 }
 
@@ -146,15 +155,30 @@ void Project::addFiles(const QSet<Dependency> &missing)
         // A file of several types is one file, with one reference.
         Vela::ProjectFile *&file = byName[folder + dependency.second];
         if (!file) {
-            ContentFile *const content = createContentFile(dependency.first);
-            content->attach(archive(), folder + dependency.second);
-            file = content;
+            file = createContentFile(dependency.first);
+            dynamic_cast<LateContent &>(*file).attach(archive(), folder + dependency.second);
         }
         addFile(file, dependency.first);
     }
 }
 
-ContentFile *createContentFile(int type)
+void Project::onFilesChanged(int type)
+{
+    if (type == Sprites || type == Sounds)
+        m_namesChanged.start();
+}
+
+// The motions name sprites and sounds by their files.
+void Project::passOnNames()
+{
+    const QList<Vela::ProjectFile *> present = files();
+    for (Vela::ProjectFile *file : present) {
+        if (auto *const document = dynamic_cast<Document *>(file))
+            document->forgetNames();
+    }
+}
+
+Vela::ProjectFile *createContentFile(int type)
 {
     switch (type) {
     case Vela::Project::Main:
@@ -164,7 +188,7 @@ ContentFile *createContentFile(int type)
     case Vela::Project::Sounds:
         return new BinaryFile("wav");
     case Vela::Project::Animations:
-        return new TextFile("motion");
+        return new Document(Scope::Motion);
     case Vela::Project::Scripts:
         return new TextFile("script");
     default:

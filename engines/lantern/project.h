@@ -6,6 +6,7 @@
 #include "project/project.h"
 
 #include <QSet>
+#include <QTimer>
 
 namespace Lantern {
 
@@ -38,6 +39,8 @@ private:
     void matchFiles();
     void removeUnnamedFiles(QSet<Dependency> &named);
     void addFiles(const QSet<Dependency> &missing);
+    void onFilesChanged(int type);
+    void passOnNames();
     const Settings *gameSettings() const;
 
     ParentProject *const m_parent;
@@ -45,9 +48,10 @@ private:
     QList<Dependency> m_dependencies;
     QString m_name;
     bool m_isReloading = false;
+    QTimer m_namesChanged; // many files of a list change at once
 };
 
 /// Makes an empty file of a type of Vela::Project::FileType, or returns null.
-ContentFile *createContentFile(int type);
+Vela::ProjectFile *createContentFile(int type);
 
 } // namespace Lantern

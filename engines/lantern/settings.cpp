@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/settings.h"
 
-#include "lantern/definition.h"
+#include "lantern/documentmessages.h"
+#include "lantern/line.h"
+#include "lantern/schema.h"
+#include "lantern/sectioncode.h"
+#include "lantern/settingcode.h"
+#include "lantern/values.h"
 
+#include "code/rootcode.h"
 #include "project/project.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QHash>
-#include <QRegularExpression>
 #include <QSet>
-
-#include <algorithm>
-#include <iterator>
+#include <QStringList>
 
 namespace Lantern {
 
@@ -23,89 +25,6 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(Lantern)
 };
 
-enum class Value { Name, Author, Kind, Version, Size, Scale, File };
-
-// One row for each setting of the grammar.
-struct Rule
-{
-    const char *section;
-    const char *key;
-    Value value;
-    int fileType; // of a File
-    bool closed;
-};
-
-constexpr Rule gameRules[] = {
-    {"game", "name", Value::Name, 0, false},
-    {"game", "author", Value::Author, 0, false},
-    {"game", "requires", Value::Version, 0, false},
-    {"stage", "size", Value::Size, 0, false},
-    {"stage", "scale", Value::Scale, 0, false},
-    {"projects", "open", Value::File, Vela::Project::Main, false},
-    {"projects", "closed", Value::File, Vela::Project::Main, true},
-    {"files", "sprites", Value::File, Vela::Project::Sprites, false},
-    {"files", "sounds", Value::File, Vela::Project::Sounds, false},
-    {"files", "animations", Value::File, Vela::Project::Animations, false},
-    {"files", "scripts", Value::File, Vela::Project::Scripts, false},
-};
-
-constexpr Rule projectRules[] = {
-    {"project", "name", Value::Name, 0, false},
-    {"project", "author", Value::Author, 0, false},
-    {"project", "kind", Value::Kind, 0, false},
-    {"project", "requires", Value::Version, 0, false},
-    {"stage", "size", Value::Size, 0, false},
-    {"stage", "scale", Value::Scale, 0, false},
-    {"files", "sprites", Value::File, Vela::Project::Sprites, false},
-    {"files", "sounds", Value::File, Vela::Project::Sounds, false},
-    {"files", "animations", Value::File, Vela::Project::Animations, false},
-    {"files", "scripts", Value::File, Vela::Project::Scripts, false},
-};
-
-// Wrong values can be as long as the file; no right one is longer than this.
-constexpr int longestValue = 64;
-
-bool readSize(const QString &text, QSize &size)
-{
-    static const QRegularExpression form(QStringLiteral("^([0-9]{1,5})\\s*x\\s*([0-9]{1,5})$"));
-    constexpr int largest = 16384;
-    const QRegularExpressionMatch match = form.match(text.left(longestValue + 1));
-    const QSize read(match.captured(1).toInt(), match.captured(2).toInt());
-    if (read.width() < 1 || read.height() < 1 || read.width() > largest || read.height() > largest)
-        return false;
-    size = read;
-    return true;
-}
-
-bool readScale(const QString &text, QPointF &scale)
-{
-    static const QRegularExpression form(QStringLiteral(
-        "^([0-9]{1,2}(?:\\.[0-9]{1,6})?)(?:\\s*x\\s*([0-9]{1,2}(?:\\.[0-9]{1,6})?))?$"));
-    constexpr double smallest = 1.0 / 64;
-    constexpr double largest = 64;
-    const QRegularExpressionMatch match = form.match(text.left(longestValue + 1));
-    const double x = match.captured(1).toDouble();
-    const double y = match.captured(2).isEmpty() ? x : match.captured(2).toDouble();
-    if (x < smallest || y < smallest || x > largest || y > largest)
-        return false;
-    scale = QPointF(x, y);
-    return true;
-}
-
-// Returns the path with "/", or an empty string for one that leaves the folder.
-QString readPath(const QString &text)
-{
-    constexpr int longestPath = 4096;
-    if (text.size() > longestPath || text.contains(QChar(0)))
-        return QString();
-    const QString path =
-        QDir::cleanPath(QString(text).replace(QLatin1Char('\\'), QLatin1Char('/')));
-    const bool leaves = path.startsWith(QLatin1Char('/')) || path == QLatin1String("..")
-        || path.startsWith(QLatin1String("../")) || path == QLatin1String(".")
-        || (path.size() > 1 && path.at(1) == QLatin1Char(':'));
-    return leaves ? QString() : path;
-}
-
 class Reader
 {
 public:
@@ -115,193 +34,131 @@ public:
     {
     }
 
-    void read(const Definition &definition);
+    void read(const Vela::RootCode &root);
 
 private:
-    bool isKnownSection(const QString &kind) const;
-    const Rule *ruleFor(const Setting &setting) const;
-    void checkSections(const Definition &definition);
-    void readSetting(const Setting &setting);
-    void readValue(const Setting &setting, const Rule &rule);
-    void readKind(const Setting &setting);
-    void readVersion(const Setting &setting);
-    void readFile(const Setting &setting, const Rule &rule);
-    void wrong(const Setting &setting, const QString &text);
+    void readSection(const SectionCode &section);
+    void readSetting(const SettingCode &setting, const Rule &rule);
+    void readValue(const SettingCode &setting, const Rule &rule);
+    void checkVersion(const SettingCode &setting);
+    void readFile(const SettingCode &setting, const Rule &rule);
     void add(Vela::Message::Type type, int line, int column, const QString &text);
-
-    const Rule *begin() const
-    {
-        return m_scope == Scope::Game ? std::begin(gameRules) : std::begin(projectRules);
-    }
-    const Rule *end() const
-    {
-        return m_scope == Scope::Game ? std::end(gameRules) : std::end(projectRules);
-    }
-    QString mainSection() const
-    {
-        return m_scope == Scope::Game ? QStringLiteral("game") : QStringLiteral("project");
-    }
 
     Settings &m_result;
     const Scope m_scope;
-    QHash<const Rule *, int> m_lines; // where each setting was first made
+    bool m_hasMain = false;
+    QHash<const Rule *, int> m_lines; // where each setting was last made
     QSet<QString> m_projectFolders;
 };
 
-void Reader::read(const Definition &definition)
+void Reader::read(const Vela::RootCode &root)
 {
-    checkSections(definition);
-    for (const Setting &setting : definition.settings)
-        readSetting(setting);
-}
-
-bool Reader::isKnownSection(const QString &kind) const
-{
-    return std::any_of(begin(), end(),
-                       [&kind](const Rule &rule) { return kind == QLatin1String(rule.section); });
-}
-
-const Rule *Reader::ruleFor(const Setting &setting) const
-{
-    const Rule *found = std::find_if(begin(), end(), [&setting](const Rule &rule) {
-        return setting.key == QLatin1String(rule.key)
-            && setting.section == QLatin1String(rule.section);
-    });
-    return found == end() ? nullptr : found;
-}
-
-void Reader::checkSections(const Definition &definition)
-{
-    bool hasMain = false;
-    for (const Section &section : definition.sections) {
-        hasMain = hasMain || section.kind == mainSection();
-        if (Definition::isReservedSection(section.kind)) {
-            add(Vela::Message::Information, section.line, section.column,
-                Texts::tr("The section '%1' is reserved for a later version; it is not read.")
-                    .arg(section.kind));
-        } else if (section.kind.isEmpty()) {
-            continue;
-        } else if (!isKnownSection(section.kind)) {
-            add(Vela::Message::Warning, section.line, section.column,
-                Texts::tr("The section '%1' is unknown.").arg(clipped(section.kind)));
-        } else if (!section.name.isEmpty()) {
-            add(Vela::Message::Warning, section.line, section.column,
-                Texts::tr("The section '%1' takes no name.").arg(section.kind));
-        }
+    const QList<Vela::CodeNode *> childs = root.childs();
+    for (const Vela::CodeNode *child : childs) {
+        if (child->type() == Vela::CodeNode::Group)
+            readSection(static_cast<const SectionCode &>(*child));
     }
-    if (!hasMain)
+    if (!m_hasMain) {
+        const unsigned int kind = m_scope == Scope::Game ? GameSection : ProjectSection;
         add(Vela::Message::Error, 0, 0,
-            Texts::tr("The section '%1' is missing.").arg(mainSection()));
+            Texts::tr("The section '%1' is missing.").arg(sectionOfKind(kind)->word));
+    }
 }
 
-void Reader::readSetting(const Setting &setting)
+void Reader::readSection(const SectionCode &section)
 {
-    const Rule *rule = ruleFor(setting);
-    if (!rule) {
-        if (isKnownSection(setting.section)) {
-            add(Vela::Message::Warning, setting.line, setting.column,
-                Texts::tr("The section '%1' has no setting '%2'.")
-                    .arg(setting.section, clipped(setting.key)));
+    const SectionRule *const known = sectionOfKind(section.kind());
+    if (known && known->isReserved()) {
+        add(Vela::Message::Information, section.lineNo(), 0,
+            Texts::tr("The section '%1' is reserved for a later version; it is not read.")
+                .arg(known->word));
+        return;
+    }
+    m_hasMain =
+        m_hasMain || section.kind() == (m_scope == Scope::Game ? GameSection : ProjectSection);
+    const QList<Vela::ValueCode *> values = section.values();
+    for (const Vela::ValueCode *value : values) {
+        const SettingCode &setting = static_cast<const SettingCode &>(*value);
+        if (setting.rule())
+            readSetting(setting, *setting.rule());
+    }
+}
+
+void Reader::readSetting(const SettingCode &setting, const Rule &rule)
+{
+    if (!rule.isList) {
+        const int line = setting.lineNo();
+        if (m_lines.contains(&rule)) {
+            add(Vela::Message::Warning, line, 0,
+                Texts::tr("'%1' was set on line %2 already; this value counts.")
+                    .arg(rule.key)
+                    .arg(m_lines.value(&rule) + 1));
         }
-        return;
+        m_lines.insert(&rule, line);
     }
-    // The grammar's own check has told about a missing value already.
-    if (setting.value.isEmpty() && setting.valueLength == 0)
-        return;
-    if (rule->value != Value::File && m_lines.contains(rule)) {
-        add(Vela::Message::Warning, setting.line, setting.column,
-            Texts::tr("'%1' was set on line %2 already; this value counts.")
-                .arg(setting.key)
-                .arg(m_lines.value(rule) + 1));
-    }
-    m_lines.insert(rule, setting.line);
-    readValue(setting, *rule);
+    readValue(setting, rule);
 }
 
-void Reader::readValue(const Setting &setting, const Rule &rule)
+void Reader::readValue(const SettingCode &setting, const Rule &rule)
 {
-    switch (rule.value) {
-    case Value::Name:
-        m_result.name = setting.value;
+    switch (rule.form) {
+    case Form::Version:
+        m_result.version = setting.text();
+        checkVersion(setting);
         break;
-    case Value::Author:
-        m_result.author = setting.value;
+    case Form::Size:
+        m_result.stageSize = setting.asSize();
         break;
-    case Value::Kind:
-        readKind(setting);
+    case Form::Scale:
+        m_result.stageScale = setting.asPointF();
         break;
-    case Value::Version:
-        readVersion(setting);
-        break;
-    case Value::Size:
-        if (!readSize(setting.value, m_result.stageSize))
-            wrong(setting, Texts::tr("'%1' is no size such as 320 x 180."));
-        break;
-    case Value::Scale:
-        if (!readScale(setting.value, m_result.stageScale))
-            wrong(setting, Texts::tr("'%1' is no scale such as 2 or 1.5 x 2."));
-        break;
-    case Value::File:
+    case Form::Path:
         readFile(setting, rule);
         break;
+    case Form::Word:
+        if (rule.key == QLatin1String("kind"))
+            m_result.projectType = CharacterProject + setting.asInt();
+        break;
+    default:
+        if (rule.key == QLatin1String("name"))
+            m_result.name = setting.text();
+        else if (rule.key == QLatin1String("author"))
+            m_result.author = setting.text();
+        break;
     }
 }
 
-void Reader::readKind(const Setting &setting)
+void Reader::checkVersion(const SettingCode &setting)
 {
-    for (int type = CharacterProject; type < ProjectTypeCount; ++type) {
-        if (setting.value.compare(projectTypeWord(type), Qt::CaseInsensitive) == 0) {
-            m_result.projectType = type;
-            return;
-        }
-    }
-    wrong(setting,
-          Texts::tr("'%1' is no kind of project: write character, stage, screen or shared."));
-}
-
-void Reader::readVersion(const Setting &setting)
-{
-    static const QRegularExpression form(QStringLiteral("^([0-9]{1,4})(?:\\.([0-9]{1,4}))?$"));
-    const QRegularExpressionMatch match = form.match(setting.value.left(longestValue + 1));
-    if (!match.hasMatch()) {
-        wrong(setting, Texts::tr("'%1' is no version such as 1.0."));
+    const QStringList numbers = setting.text().split(QLatin1Char('.'));
+    const QPair<int, int> needed(numbers.value(0).toInt(), numbers.value(1).toInt());
+    if (needed <= qMakePair(engineMajor, engineMinor))
         return;
-    }
-    m_result.version = setting.value;
-    const QPair<int, int> needed(match.captured(1).toInt(), match.captured(2).toInt());
-    if (needed > qMakePair(engineMajor, engineMinor)) {
-        add(Vela::Message::Warning, setting.line, setting.valueColumn,
-            Texts::tr(
-                "Written for Lantern %1, and this is %2.%3: some of it may not be understood.")
-                .arg(setting.value)
-                .arg(engineMajor)
-                .arg(engineMinor));
-    }
+    add(Vela::Message::Warning, setting.lineNo(), setting.valueStart(),
+        Texts::tr("Written for Lantern %1, and this is %2.%3: some of it may not be understood.")
+            .arg(setting.text())
+            .arg(engineMajor)
+            .arg(engineMinor));
 }
 
-void Reader::readFile(const Setting &setting, const Rule &rule)
+void Reader::readFile(const SettingCode &setting, const Rule &rule)
 {
-    const QString path = readPath(setting.value);
-    if (path.isEmpty()) {
-        wrong(setting, Texts::tr("'%1' is no path inside the folder of this file."));
+    const QString path = insidePath(setting.text());
+    if (path.isEmpty())
         return;
-    }
     if (rule.fileType == Vela::Project::Main) {
         const int slash = path.lastIndexOf(QLatin1Char('/'));
         const QString folder = path.left(slash).toCaseFolded();
         if (slash < 0 || m_projectFolders.contains(folder)) {
-            wrong(setting, Texts::tr("'%1' has no folder of its own, as each project needs."));
+            add(Vela::Message::Error, setting.lineNo(), setting.valueStart(),
+                Texts::tr("'%1' has no folder of its own, as each project needs.")
+                    .arg(clipped(setting.text())));
             return;
         }
         m_projectFolders.insert(folder);
     }
-    m_result.files.append(
-        {rule.fileType, rule.closed, path, setting.line, setting.valueColumn, false});
-}
-
-void Reader::wrong(const Setting &setting, const QString &text)
-{
-    add(Vela::Message::Error, setting.line, setting.valueColumn, text.arg(clipped(setting.value)));
+    m_result.files.append({rule.fileType, rule.key == QLatin1String("closed"), path,
+                           setting.lineNo(), setting.valueStart(), false});
 }
 
 void Reader::add(Vela::Message::Type type, int line, int column, const QString &text)
@@ -312,18 +169,11 @@ void Reader::add(Vela::Message::Type type, int line, int column, const QString &
 
 } // namespace
 
-QString projectTypeWord(int type)
-{
-    static constexpr const char *words[ProjectTypeCount] = {"game", "character", "stage", "screen",
-                                                            "shared"};
-    return type >= 0 && type < ProjectTypeCount ? QString::fromLatin1(words[type]) : QString();
-}
-
-Settings::Settings(const Definition &definition, Scope scope)
+Settings::Settings(const Vela::RootCode &root, Scope scope)
 {
     if (scope == Scope::Game)
         projectType = GameProject;
-    Reader(*this, scope).read(definition);
+    Reader(*this, scope).read(root);
 }
 
 } // namespace Lantern

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "lantern/parsercontext.h"
+
 #include "project/message.h"
 
 #include <QPointF>
@@ -8,19 +10,15 @@
 #include <QString>
 #include <QVector>
 
+namespace Vela {
+class RootCode;
+}
+
 namespace Lantern {
-
-class Definition;
-
-/// What a definition text describes: each has sections of its own.
-enum class Scope { Game, Project };
 
 /// The types of projects; the first is the one that the game's own file makes.
 enum ProjectType { GameProject, CharacterProject, StageProject, ScreenProject, SharedProject };
 constexpr int ProjectTypeCount = 5;
-
-/// Returns the word that stands for a type of project in a text; empty for none.
-QString projectTypeWord(int type);
 
 /// A file that a definition text names.
 struct FileEntry
@@ -33,11 +31,13 @@ struct FileEntry
     bool missing = false; ///< not on the disk, as far as anybody has looked
 };
 
-/// The settings of a definition text as values, with what is wrong about them.
+/// The settings of a main file, read off its tree, with what is wrong about them as a whole. The
+/// parser has told about each line.
 class Settings
 {
 public:
-    Settings(const Definition &definition, Scope scope);
+    Settings() = default;
+    Settings(const Vela::RootCode &root, Scope scope);
 
     QString name;
     QString author;

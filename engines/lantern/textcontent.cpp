@@ -3,18 +3,43 @@
 
 #include "frame/textcodecs.h"
 
+#include <QCoreApplication>
+#include <QTextCodec>
+
 #include <algorithm>
 
 using Vela::TextCodecs;
 
 namespace Lantern {
 
-TextContent::TextContent(const QByteArray &data)
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Lantern)
+};
+
+// The list gives 0 for an encoding that it does not have.
+QByteArray unlistedEncoding(const QByteArray &data)
+{
+    const QByteArray judged = TextCodecs::get(data)->name();
+    const bool listed = TextCodecs::aliases(0)
+                            .split(QStringLiteral(", "))
+                            .contains(QString::fromLatin1(judged), Qt::CaseInsensitive);
+    return listed ? QByteArray() : judged;
+}
+
+} // namespace
+
+TextContent::TextContent(const QByteArray &data, int codec)
+    : m_codec(codec)
 {
     m_text = TextCodecs::stringFromData(data, &m_codec);
     m_hasMark = !mark().isEmpty() && data.startsWith(mark());
     if (encoded() != data)
         m_original = data;
+    if (codec < 0 && m_codec == 0)
+        m_unlisted = unlistedEncoding(data);
 }
 
 QString TextContent::text() const
@@ -22,16 +47,11 @@ QString TextContent::text() const
     return m_text;
 }
 
-void TextContent::replace(int offset, int length, const QString &text)
-{
-    m_text.replace(offset, length, text);
-    m_original.clear();
-}
-
 void TextContent::setText(const QString &text)
 {
     m_text = text;
     m_original.clear();
+    m_unlisted.clear();
 }
 
 int TextContent::codec() const
@@ -44,6 +64,12 @@ void TextContent::setCodec(int codec)
     m_codec = codec;
     m_hasMark = mark().size() > 0 && TextCodecs::name(codec) != "UTF-8";
     m_original.clear();
+    m_unlisted.clear();
+}
+
+bool TextContent::hasMark() const
+{
+    return m_hasMark;
 }
 
 TextContent::LineEnds TextContent::lineEnds() const
@@ -86,6 +112,23 @@ bool TextContent::isDamaged() const
     return !m_original.isNull();
 }
 
+QVector<Vela::Message> TextContent::messages() const
+{
+    const QString encoding = QString::fromLatin1(TextCodecs::name(m_codec));
+    if (!m_unlisted.isEmpty()) {
+        const QString text = Texts::tr("The file is in %1, which cannot be written; it is saved "
+                                       "as %2 once it is changed.");
+        return {
+            {Vela::Message::Warning, 0, 0, text.arg(QString::fromLatin1(m_unlisted), encoding)}};
+    }
+    if (isDamaged()) {
+        const QString text = Texts::tr("The file holds bytes that are no text in %1; they are lost "
+                                       "once it is changed and saved.");
+        return {{Vela::Message::Warning, 0, 0, text.arg(encoding)}};
+    }
+    return {};
+}
+
 int TextContent::firstUnwritable() const
 {
     if (isDamaged())
@@ -98,6 +141,14 @@ int TextContent::firstUnwritable() const
     const auto differing =
         std::mismatch(m_text.begin(), m_text.end(), readBack.begin(), readBack.end());
     return int(differing.first - m_text.begin());
+}
+
+Vela::Message TextContent::unwritableMessage(int offset, int line, int column) const
+{
+    const int length = m_text.at(offset).isHighSurrogate() ? 2 : 1;
+    return {Vela::Message::Error, unsigned(line), unsigned(column),
+            Texts::tr("%1 has no '%2': the file cannot be saved in this encoding.")
+                .arg(QString::fromLatin1(TextCodecs::name(m_codec)), m_text.mid(offset, length))};
 }
 
 QByteArray TextContent::toData() const

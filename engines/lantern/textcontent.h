@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "project/message.h"
+
 #include <QByteArray>
 #include <QString>
+#include <QVector>
 
 namespace Lantern {
 
@@ -13,17 +16,18 @@ public:
     enum LineEnds { NoLineEnds, Lf, CrLf, Cr, MixedLineEnds };
 
     TextContent() = default;
-    /// Reads a file's bytes in the encoding that they are judged to be in.
-    explicit TextContent(const QByteArray &data);
+    /// Reads a file's bytes in the encoding \a codec, or for -1 in the one that they are judged to
+    /// be in.
+    explicit TextContent(const QByteArray &data, int codec = -1);
 
     QString text() const;
-    /// Puts \a text in the place of \a length characters at \a offset.
-    void replace(int offset, int length, const QString &text);
     void setText(const QString &text);
 
     /// Returns the index of the encoding in Vela::TextCodecs.
     int codec() const;
     void setCodec(int codec);
+    /// Returns whether the text begins with a byte-order mark.
+    bool hasMark() const;
 
     LineEnds lineEnds() const;
     /// Turns every line end into one kind.
@@ -31,8 +35,12 @@ public:
 
     /// Returns whether the bytes read held something that the encoding has no character for.
     bool isDamaged() const;
+    /// Returns what is to be said about the bytes read.
+    QVector<Vela::Message> messages() const;
     /// Returns the offset of the first character that the encoding lacks, -1 for none.
     int firstUnwritable() const;
+    /// Returns the message about the character at \a offset, which stands at that place, from 0.
+    Vela::Message unwritableMessage(int offset, int line, int column) const;
     /// Returns the text as a file's bytes.
     QByteArray toData() const;
 
@@ -43,6 +51,8 @@ private:
     QString m_text;
     int m_codec = -1;
     bool m_hasMark = false;
+    // The encoding read, where it is none of the list; the codec is another one then.
+    QByteArray m_unlisted;
     // The bytes read, where the text alone would not give them back.
     QByteArray m_original;
 };

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/textfile.h"
 
+#include "lantern/documentmessages.h"
+
 #include "frame/regexp.h"
 #include "frame/textcodecs.h"
 #include "project/searchableprojectfile.h"
-
-#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -14,11 +14,6 @@ using Vela::TextCodecs;
 namespace Lantern {
 
 namespace {
-
-struct Texts
-{
-    Q_DECLARE_TR_FUNCTIONS(Lantern)
-};
 
 // States kept for undo; the texts of most are shared with nobody.
 constexpr int mostStates = 200;
@@ -128,11 +123,6 @@ const TextContent &TextFile::content() const
     return m_states.at(m_current).content;
 }
 
-Vela::SimpleMessages &TextFile::textMessages()
-{
-    return m_messages;
-}
-
 Vela::Messages *TextFile::fileMessages() const
 {
     return &m_messages;
@@ -210,19 +200,9 @@ void TextFile::notify()
 {
     m_messages.beginChange();
     m_messages.clear();
-    if (content().isDamaged()) {
-        m_messages.add(Vela::Message::Warning,
-                       Texts::tr("The file holds bytes that are no text in %1; they are lost once "
-                                 "it is changed and saved.")
-                           .arg(QString::fromLatin1(TextCodecs::name(codec()))),
-                       0, 0);
-    }
-    textChanged();
+    for (const Vela::Message &message : content().messages())
+        m_messages.add(message.type, message.text, message.line, message.column);
     m_messages.endChange();
-}
-
-void TextFile::textChanged()
-{
 }
 
 QList<TextFile::SearchResult> TextFile::search(const Vela::RegExp &expression,
@@ -324,16 +304,13 @@ bool TextFile::encode(QByteArray &data, QString &error)
         data = content().toData();
         return true;
     }
-    const QString encoding = QString::fromLatin1(TextCodecs::name(codec()));
-    const TextPlace place = placeInText(text(), unwritable);
-    m_messages.add(Vela::Message::Error,
-                   Texts::tr("%1 has no '%2': the file cannot be saved in this encoding.")
-                       .arg(encoding, text().mid(unwritable, 1)),
-                   unsigned(place.line), unsigned(place.column));
-    error = Texts::tr("'%1' holds a character that %2 does not have (line %3, column %4).")
-                .arg(displayName(), encoding)
-                .arg(place.line + 1)
-                .arg(place.column + 1);
+    const QVector<int> starts = lineStarts(text());
+    const auto next = std::upper_bound(starts.begin(), starts.end(), unwritable);
+    const int line = int(next - starts.begin()) - 1;
+    const Vela::Message message =
+        content().unwritableMessage(unwritable, line, unwritable - *std::prev(next));
+    m_messages.add(message.type, message.text, message.line, message.column);
+    error = placedText(displayName(), message);
     return false;
 }
 
@@ -351,13 +328,6 @@ void TextFile::markSaved()
 void TextFile::reportFailure(const QString &text)
 {
     m_messages.add(Vela::Message::Error, text, 0, 0);
-}
-
-TextPlace placeInText(const QString &text, int offset)
-{
-    const QVector<int> starts = lineStarts(text);
-    const auto next = std::upper_bound(starts.begin(), starts.end(), offset);
-    return {int(next - starts.begin()) - 1, offset - *std::prev(next)};
 }
 
 } // namespace Lantern

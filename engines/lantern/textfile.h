@@ -10,8 +10,7 @@
 
 namespace Lantern {
 
-/// An animations or scripts file, and the base of definition texts: text in any encoding, with
-/// undo in steps of the whole text.
+/// A scripts file: text in any encoding, with undo in steps of the whole text.
 ///
 /// Its properties are "Encoding", the name of the encoding; "Lines", their number; and "LineEnds",
 /// "LF", "CRLF", "CR" or "Mixed", the latter two to be read only where they say so in
@@ -46,14 +45,6 @@ public:
     void setProperty(const QString &name, const QVariant &value) override;
 
 protected:
-    /// Called behind every change of the text, with the messages emptied.
-    virtual void textChanged();
-
-    const TextContent &content() const;
-    /// Makes \a content the present state, as a step of undo.
-    void change(const TextContent &content);
-    Vela::SimpleMessages &textMessages();
-
     void decode(const QByteArray &data, bool again) override;
     bool encode(QByteArray &data, QString &error) override;
     void clear() override;
@@ -69,6 +60,9 @@ private:
         int number = 0;
     };
 
+    const TextContent &content() const;
+    /// Makes \a content the present state, as a step of undo.
+    void change(const TextContent &content);
     void push(const TextContent &content);
     void step(int direction);
     void notify();
@@ -81,14 +75,5 @@ private:
     bool m_changePushed = false;
     mutable Vela::SimpleMessages m_messages;
 };
-
-/// A place in a text, from 0.
-struct TextPlace
-{
-    int line = 0;
-    int column = 0;
-};
-
-TextPlace placeInText(const QString &text, int offset);
 
 } // namespace Lantern

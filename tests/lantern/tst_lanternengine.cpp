@@ -2,10 +2,12 @@
 #include "lantern/binaryfile.h"
 #include "lantern/definitionfile.h"
 #include "lantern/engine.h"
+#include "lantern/motions.h"
 #include "lantern/textfile.h"
 
 #include "engine/extensionmanager.h"
 #include "frame/archive.h"
+#include "frame/filesystemarchive.h"
 #include "frame/textcodecs.h"
 #include "project/messagelist.h"
 #include "project/messages.h"
@@ -28,7 +30,6 @@
 #include <sys/stat.h>
 #endif
 
-using Lantern::ContentFile;
 using Lantern::DefinitionFile;
 using Vela::Message;
 using Vela::ParentProject;
@@ -64,6 +65,8 @@ private Q_SLOTS:
     void projectsThatCannotBeReadBecomeMessages();
     void missingFilesAreDependencies();
     void thousandsOfFilesAreNotReadAtOnce();
+    void motionsKnowTheNamesOfTheirProject();
+    void linksOpenFilesOfTheGame();
 
 private:
     QString path(const char *name) const;
@@ -109,6 +112,12 @@ void copyTo(const QMap<QString, QByteArray> &files, const QString &folder)
 {
     for (auto file = files.begin(); file != files.end(); ++file)
         writeFile(folder + QLatin1Char('/') + file.key(), file.value());
+}
+
+// The line ends of a document that was written, in an encoding of single bytes.
+QByteArray withCrLf(QByteArray data)
+{
+    return data.replace("\r\n", "\n").replace("\n", "\r\n");
 }
 
 QStringList dependenciesOf(const Project &project)
@@ -253,8 +262,11 @@ void tst_LanternEngine::theMeadowOpensWithoutAMessage()
         for (const int type : {Project::Main, Project::Animations, Project::Scripts}) {
             const QList<ProjectFile *> files = project->filesByType(type);
             for (ProjectFile *file : files) {
-                auto *const text = dynamic_cast<Lantern::TextFile *>(file);
-                QVERIFY(text && !text->isEmpty() && !text->text().contains(QChar(0xFFFD)));
+                QVERIFY(!file->isEmpty());
+                const auto *const script = dynamic_cast<Lantern::TextFile *>(file);
+                const auto *const text = dynamic_cast<Lantern::Document *>(file);
+                QVERIFY(script || text);
+                QVERIFY(!(script ? script->text() : text->toString()).contains(QChar(0xFFFD)));
             }
         }
     }
@@ -382,7 +394,8 @@ void tst_LanternEngine::aSingleProjectIsNoGame()
     QCOMPARE(parent->basePath(), path("elsewhere"));
 
     auto expected = contents(meadow() + QStringLiteral("/mill"));
-    expected.insert(QStringLiteral("wheel.lantern"), expected.take(QStringLiteral("mill.lantern")));
+    expected.insert(QStringLiteral("wheel.lantern"),
+                    withCrLf(expected.take(QStringLiteral("mill.lantern"))));
     QCOMPARE(contents(path("elsewhere")), expected);
     close(parent);
 }
@@ -394,7 +407,6 @@ void tst_LanternEngine::filesOfEveryTypeAreMade()
     for (int type = 0; type <= Project::Scripts; ++type) {
         ProjectFile *const file = m_engine.createFile(type, nullptr);
         QVERIFY(file && file->isEmpty() && file->canSave());
-        QCOMPARE(file->refCount(), 1);
         QVERIFY(filters.value(type).contains(QLatin1String(file->fileExtension())));
         file->release();
     }
@@ -470,7 +482,13 @@ void tst_LanternEngine::savingAsTakesEverythingAlong()
     auto parent = open(path("meadow"));
     QVERIFY(QDir().mkpath(path("away")));
     parent->saveAs(path("away"), nullptr);
-    QCOMPARE(contents(path("away")), contents(meadow()));
+    // Main files are written from memory; what nobody has read is passed on as it is.
+    auto expected = contents(meadow());
+    for (const char *name : {"game.lantern", "rowan/rowan.lantern", "mill/mill.lantern"}) {
+        QByteArray &data = expected[QLatin1String(name)];
+        data = withCrLf(data);
+    }
+    QCOMPARE(contents(path("away")), expected);
     QVERIFY(parent->isGame());
     QCOMPARE(parent->basePath(), path("away"));
     const QList<Project *> projects = parent->openedProjects();
@@ -498,7 +516,8 @@ void tst_LanternEngine::aBackupBringsEverythingBack()
     writeFile(path("meadow/hotaru/hotaru.lantern"), "[project]\nname = wrong\n");
     QVERIFY(parent->restoreBackup(backups.at(0).chopped(4), nullptr));
     auto expected = before;
-    expected[QStringLiteral("rowan/rowan.lantern")].replace("Zo\xc3\xab W\xc3\xb3jcik", "Backup");
+    QByteArray &changed = expected[QStringLiteral("rowan/rowan.lantern")];
+    changed = withCrLf(changed.replace("Zo\xc3\xab W\xc3\xb3jcik", "Backup"));
     QCOMPARE(contents(path("meadow")), expected);
     QVERIFY(!rowan->isModified());
     QCOMPARE(messagesOf(*parent), QStringList());
@@ -514,7 +533,7 @@ void tst_LanternEngine::changesOfTheMainFileReachTheFiles()
     QSignalSpy names(rowan, &Project::nameChanged);
     DefinitionFile *const main = mainOf(rowan);
 
-    const QString text = main->text();
+    const QString text = main->toString();
     main->setText(QString(text).remove(QStringLiteral("sounds = sounds/step.wav\n")));
     QCOMPARE(hierarchy.size(), 1);
     QCOMPARE(rowan->filesByType(Project::Sounds).size(), 1);
@@ -534,7 +553,7 @@ void tst_LanternEngine::changesOfTheMainFileReachTheFiles()
     QCOMPARE(hierarchy.size(), 2);
     main->setText(text);
     QCOMPARE(rowan->fileID(motion), Project::FileTypes(1 << 3));
-    QCOMPARE(motion->refCount(), 1);
+    QCOMPARE(rowan->filesByType(Project::Scripts).size(), 1);
     close(parent);
 }
 
@@ -560,7 +579,7 @@ void tst_LanternEngine::projectsThatCannotBeReadBecomeMessages()
     // A folder of the file's name, and a file that is larger than any text.
     QVERIFY(QDir().mkpath(path("bad/a/a.lantern")));
     writeFile(path("bad/b/b.lantern"), QByteArray());
-    QVERIFY(QFile::resize(path("bad/b/b.lantern"), ContentFile::largestSize + 1));
+    QVERIFY(QFile::resize(path("bad/b/b.lantern"), Lantern::largestFile + 1));
     writeFile(path("bad/game.lantern"),
               "[game]\nname = Bad\n[projects]\nopen = a/a.lantern\n open = b/b.lantern\n");
     auto parent = open(path("bad"));
@@ -622,6 +641,12 @@ void tst_LanternEngine::thousandsOfFilesAreNotReadAtOnce()
         writeFile(path("many/art/p") + QString::number(i) + QStringLiteral(".png"), "x");
         text += "sprites = ART/P" + QByteArray::number(i) + ".PNG\n";
     }
+    // A text takes more memory than a picture, even one that is not read.
+    constexpr int textCount = 500;
+    for (int i = 0; i < textCount; ++i) {
+        writeFile(path("many/art/m") + QString::number(i) + QStringLiteral(".motion"), "x");
+        text += "animations = art/m" + QByteArray::number(i) + ".motion\n";
+    }
     writeFile(path("many/many.lantern"), text);
     QElapsedTimer timer;
     timer.start();
@@ -629,12 +654,60 @@ void tst_LanternEngine::thousandsOfFilesAreNotReadAtOnce()
     // Generous for a loaded machine; one listing per file would take minutes.
     QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
     Project *const project = parent->openedProjects().at(0);
-    QCOMPARE(project->fileCount(), count + 1);
+    QCOMPARE(project->fileCount(), count + textCount + 1);
     QCOMPARE(messagesOf(*parent), QStringList());
-    const QList<ProjectFile *> sprites = project->filesByType(Project::Sprites);
-    for (ProjectFile *file : sprites)
-        QVERIFY(!dynamic_cast<ContentFile *>(file)->isLoaded());
+    const QList<ProjectFile *> files =
+        project->filesByType(Project::Sprites) + project->filesByType(Project::Animations);
+    for (ProjectFile *file : files)
+        QVERIFY(!dynamic_cast<Lantern::LateContent *>(file)->isLoaded());
     QVERIFY(!project->isModified());
+    close(parent);
+}
+
+void tst_LanternEngine::motionsKnowTheNamesOfTheirProject()
+{
+    writeFile(path("one/one.lantern"),
+              "[project]\nname = One\n[files]\nsprites = art/Leaf.png\n"
+              "animations = one.motion\n");
+    writeFile(path("one/art/Leaf.png"), "x");
+    writeFile(path("one/art/dew.png"), "x");
+    writeFile(path("one/one.motion"), "[animation 1]\nframe leaf : 6\nframe DEW : 6\n");
+    auto parent = open(path("one"));
+    QVERIFY(parent);
+    Project *const project = parent->openedProjects().at(0);
+    ProjectFile *const motion = project->file(Project::Animations);
+    QVERIFY(!motion->isEmpty());
+    QCOMPARE(motion->messages()->count(Message::Warning), 1);
+    QCOMPARE(motion->messages()->at(0, Message::Warning).line, 2u);
+    QCOMPARE(project->messages()->warningCount(), 1u);
+
+    DefinitionFile *const main = mainOf(project);
+    main->setText(main->toString() + QStringLiteral("sprites = art/dew.png\n"));
+    QTRY_COMPARE(motion->messages()->count(Message::Warning), 0);
+    QCOMPARE(project->messages()->warningCount(), 0u);
+    QVERIFY(!motion->isModified());
+    main->undo();
+    QTRY_COMPARE(motion->messages()->count(Message::Warning), 1);
+    close(parent);
+
+    // Who has no project knows no sprites.
+    ProjectFile *const single = m_engine.createFile(Project::Animations, nullptr);
+    QVERIFY(
+        single->fromFile(Vela::FileSystemArchive::instance(), path("one/one.motion"), 0, nullptr));
+    QCOMPARE(single->messages()->count(Message::Any), 0);
+    single->release();
+}
+
+void tst_LanternEngine::linksOpenFilesOfTheGame()
+{
+    auto parent = open(path("meadow"));
+    Project *const game = projectNamed(*parent, "The Meadow");
+    mainOf(game)->openFile(QStringLiteral("ROWAN\\rowan.lantern"));
+    QCOMPARE(m_host->openFileCalls.size(), 1);
+    QCOMPARE(m_host->openFileCalls.at(0).file, projectNamed(*parent, "Rowan")->mainFile());
+    mainOf(game)->openFile(QStringLiteral("barn/barn.lantern"));
+    QCOMPARE(m_host->openFileCalls.size(), 1);
+    QCOMPARE(m_host->logged.size(), 1);
     close(parent);
 }
 
