@@ -25,6 +25,10 @@ const OptionInfo Options[] = {
     {Json, "", "json", "", "print JSON instead of text"},
     {DryRun, "n", "dry-run", "", "print the files that would be written, and write nothing"},
     {Quiet, "q", "quiet", "", "print nothing but errors"},
+    {Check, "", "check", "", "write nothing, print what would change, and fail if anything would"},
+    {IndentOnly, "", "indent-only", "", "change the indents of lines and nothing else"},
+    {Ticks, "", "ticks", "N", "play for N ticks"},
+    {InFile, "", "file", "FILE", "look in FILE only"},
     {0, "", "extensions", "DIR", "load the engines from DIR"},
     {0, "h", "help", "", "print help, with a command about that command"},
     {0, "v", "version", "", "print the version"},
@@ -48,23 +52,40 @@ QStringList argumentNames(const Command &command)
     return text(command.arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
+/// Returns whether a command takes that many arguments.
+bool takes(const Command &command, int count)
+{
+    const QStringList names = argumentNames(command);
+    return names.last().endsWith(QLatin1String("...")) ? count >= names.size()
+                                                       : count == names.size();
+}
+
+QString longForm(const OptionInfo &info)
+{
+    const QString name = QStringLiteral("--") + text(info.name);
+    return *info.value ? name + QLatin1Char(' ') + text(info.value) : name;
+}
+
 QString usageLine(const Command &command)
 {
-    return QStringLiteral("%1 %2").arg(text(command.name), text(command.arguments));
+    QString result = QStringLiteral("%1 %2").arg(text(command.name), text(command.arguments));
+    for (const OptionInfo &info : Options) {
+        if (command.required & static_cast<CallOption>(info.option))
+            result += QLatin1Char(' ') + longForm(info);
+    }
+    return result;
 }
 
 QString row(const QString &left, const char *right)
 {
-    return QStringLiteral("  %1  %2\n").arg(left, -24).arg(text(right));
+    return QStringLiteral("  %1  %2\n").arg(left, -25).arg(text(right));
 }
 
 QString optionRow(const OptionInfo &info)
 {
-    QString names = *info.shortName ? QStringLiteral("-%1, ").arg(text(info.shortName)) : QString();
-    names += QStringLiteral("--") + text(info.name);
-    if (*info.value)
-        names += QLatin1Char(' ') + text(info.value);
-    return row(names, info.summary);
+    const QString letter =
+        *info.shortName ? QStringLiteral("-%1, ").arg(text(info.shortName)) : QString();
+    return row(letter + longForm(info), info.summary);
 }
 
 } // namespace
@@ -83,12 +104,17 @@ void CommandLine::parse(const QStringList &arguments)
         return fail(parser.errorText());
 
     for (const OptionInfo &info : Options) {
-        if (info.option && parser.isSet(text(info.name)))
-            m_call.options |= static_cast<CallOption>(info.option);
+        const QString name = text(info.name);
+        if (!parser.isSet(name))
+            continue;
+        if (*info.value && parser.value(name).isEmpty())
+            return fail(QStringLiteral("--%1 needs %2").arg(name, text(info.value)));
+        const auto option = static_cast<CallOption>(info.option);
+        m_call.options |= option;
+        if (*info.value)
+            m_call.values.insert(option, parser.value(name));
     }
     m_extensions = parser.value(QStringLiteral("extensions"));
-    if (parser.isSet(QStringLiteral("extensions")) && m_extensions.isEmpty())
-        return fail(QStringLiteral("--extensions needs a folder"));
     if (parser.isSet(QStringLiteral("version"))) {
         m_kind = ShowVersion;
         return;
@@ -115,7 +141,7 @@ void CommandLine::readCommand(QStringList words, bool helpWanted)
         m_kind = ShowCommandHelp;
         return;
     }
-    if (words.size() != argumentNames(*m_command).size())
+    if (!takes(*m_command, words.size()) || (m_command->required & ~m_call.options))
         return fail(QStringLiteral("usage: vela %1").arg(usageLine(*m_command)));
     for (const OptionInfo &info : Options) {
         const CallOptions given = m_call.options & static_cast<CallOption>(info.option);
@@ -162,8 +188,8 @@ QString CommandLine::help()
     QString result = QStringLiteral(
         "Usage: vela COMMAND ARGUMENTS [OPTIONS]\n"
         "Works on projects of 2D game engines without a window or a display.\n\n"
-        "PROJECT is a project's folder or main file. Arguments and options come in any order;\n"
-        "what follows -- is an argument.\n\n"
+        "PROJECT is a project's folder or main file, FILE a file of a project. Arguments and\n"
+        "options come in any order; what follows -- is an argument.\n\n"
         "Commands:\n");
     for (const Command &command : commands())
         result += row(usageLine(command), command.summary);
@@ -172,8 +198,8 @@ QString CommandLine::help()
     for (const OptionInfo &info : Options)
         result += optionRow(info);
     result += QStringLiteral("\nExit status: 0 if everything asked for was done, 1 if checked "
-                             "content has errors,\n2 if the call is wrong or something could not "
-                             "be done.\n");
+                             "content has errors\nor is not formatted, 2 if the call is wrong or "
+                             "something could not be done.\n");
     return result;
 }
 

@@ -2,28 +2,41 @@
 #pragma once
 
 #include <QFlags>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
 namespace Studio {
 
-enum CallOption { Json = 1, DryRun = 2, Quiet = 4 };
+enum CallOption {
+    Json = 1,
+    DryRun = 2,
+    Quiet = 4,
+    Check = 8,
+    IndentOnly = 16,
+    Ticks = 32, ///< has a value, as the next one
+    InFile = 64
+};
 Q_DECLARE_FLAGS(CallOptions, CallOption)
 
-/// One call of a command, checked: it has as many arguments as the command takes, and no option
-/// that the command does not have.
+/// One call of a command, checked: it has as many arguments as the command takes, every option that
+/// the command needs, and none that it does not have.
 struct Call
 {
     QStringList arguments;
     CallOptions options;
+    QMap<CallOption, QString> values; ///< of the given options that have one
 };
 
 /// One command of the program.
 struct Command
 {
     const char *name;
-    const char *arguments; ///< their names as help shows them, separated by blanks
-    CallOptions options;
+    /// Their names as help shows them, separated by blanks; "..." behind the last one lets it come
+    /// several times.
+    const char *arguments;
+    CallOptions required;
+    CallOptions options; ///< the required ones included
     const char *summary;
     const char *description;
     int (*run)(const Call &call); ///< returns an ExitCode

@@ -2,6 +2,7 @@
 #include "studio/cli/console.h"
 
 #include <QByteArray>
+#include <QVector>
 
 #include <cstdio>
 
@@ -19,6 +20,21 @@ void write(std::FILE *stream, const QByteArray &bytes)
 void Console::print(const QString &text)
 {
     write(stdout, text.toUtf8());
+}
+
+void Console::print(const QList<QStringList> &rows)
+{
+    QVector<int> widths;
+    for (const QStringList &row : rows) {
+        widths.resize(qMax(widths.size(), row.size()));
+        for (int i = 0; i + 1 < row.size(); ++i)
+            widths[i] = qMax(widths[i], row.at(i).size());
+    }
+    for (QStringList row : rows) {
+        for (int i = 0; i + 1 < row.size(); ++i)
+            row[i] = row.at(i).leftJustified(widths.at(i));
+        print(row.join(QStringLiteral("  ")) + QLatin1Char('\n'));
+    }
 }
 
 void Console::report(const QString &text)

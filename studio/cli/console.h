@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 namespace Studio {
 
@@ -18,6 +18,9 @@ class Console
 public:
     /// Writes \a text to standard output as it stands.
     static void print(const QString &text);
+    /// Writes rows to standard output, with two blanks at least between their columns, which stand
+    /// below each other.
+    static void print(const QList<QStringList> &rows);
     /// Writes \a text and a line end to standard error, behind the program's name.
     static void report(const QString &text);
     /// Returns whether all output has arrived; false where standard output is full or closed.

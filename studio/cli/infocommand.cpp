@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "code/codedocument.h"
 #include "engine/engine.h"
 #include "frame/filesystemarchive.h"
 #include "frame/propertyitem.h"
@@ -47,7 +48,10 @@ QString typeName(int type)
 QString encodingOf(const Vela::ProjectFile *file)
 {
     const auto *item = dynamic_cast<const Vela::PropertyItem *>(file);
-    return item ? item->property(QStringLiteral("Encoding")).toString() : QString();
+    const QString encoding =
+        item ? item->property(QStringLiteral("Encoding")).toString() : QString();
+    const auto *document = dynamic_cast<const Vela::CodeDocument *>(file);
+    return encoding.isEmpty() && document ? QString::fromLatin1(document->codecName()) : encoding;
 }
 
 /// Returns the bytes of a file; what an archive other than the disk holds can only be told by

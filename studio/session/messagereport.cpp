@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "studio/session/messagereport.h"
 
+#include "code/codedocument.h"
 #include "project/messages.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
+#include "studio/session/documents.h"
 #include "studio/session/projectcontents.h"
+
+#include <QSet>
 
 #include <algorithm>
 #include <tuple>
@@ -29,26 +33,38 @@ QList<MessageRecord> recordsOf(const QString &name, const Vela::Messages &messag
     return result;
 }
 
-QString printable(QString text)
+/// Returns the messages about what a file shows: those of the text for one that is a view of a
+/// text.
+const Vela::Messages *messagesOf(Vela::ProjectFile *file)
 {
-    text = text.simplified();
-    for (QChar &c : text) {
-        if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format)
-            c = QChar::ReplacementCharacter;
-    }
-    return text;
+    const Vela::CodeDocument *document = documentOf(file);
+    return document ? document->messages() : file->messages();
+}
+
+/// Returns whether a file says nothing because it could not be read, for all that can be told
+/// without reading it.
+bool mayBeUnread(Vela::ProjectFile *file)
+{
+    if (file->isModified() || !file->fileExists())
+        return false;
+    const Vela::Messages *const messages = messagesOf(file);
+    return !messages || (messages->count(Vela::Message::Any) == 0 && file->isEmpty());
 }
 
 } // namespace
 
 MessageReport::MessageReport(const Vela::ParentProject &parent)
 {
+    QSet<const Vela::Messages *> known;
     const QList<Vela::Project *> projects = sortedProjects(parent);
     for (const Vela::Project *project : projects) {
         const QList<Vela::ProjectFile *> files = orderedFiles(*project);
-        for (const Vela::ProjectFile *file : files) {
-            if (const Vela::Messages *messages = file->messages())
-                m_records += recordsOf(relativeToRoot(parent, file->fileName()), *messages);
+        for (Vela::ProjectFile *file : files) {
+            const Vela::Messages *const messages = messagesOf(file);
+            if (!messages || known.contains(messages))
+                continue;
+            known.insert(messages);
+            m_records += recordsOf(relativeToRoot(parent, file->fileName()), *messages);
         }
     }
 }
@@ -70,9 +86,7 @@ QStringList MessageReport::unreadableFiles(const Vela::ParentProject &parent, Ve
     for (const Vela::Project *project : projects) {
         const QList<Vela::ProjectFile *> files = orderedFiles(*project);
         for (Vela::ProjectFile *file : files) {
-            if (file->messages() || file->isModified() || !file->fileExists())
-                continue;
-            if (!file->fromFile(file->archive(), file->fileName(), 0, job))
+            if (mayBeUnread(file) && !file->fromFile(file->archive(), file->fileName(), 0, job))
                 result.append(relativeToRoot(parent, file->fileName()));
         }
     }
@@ -102,6 +116,16 @@ QString MessageReport::typeName(Vela::Message::Type type)
     default:
         return QStringLiteral("error");
     }
+}
+
+QString MessageReport::printable(QString text)
+{
+    text = text.simplified();
+    for (QChar &c : text) {
+        if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format)
+            c = QChar::ReplacementCharacter;
+    }
+    return text;
 }
 
 QString MessageReport::line(const MessageRecord &record)

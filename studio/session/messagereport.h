@@ -36,9 +36,10 @@ public:
     /// Makes every file of the opened projects read its content and so know its messages. Engines
     /// may leave reading to the first need; whether a file is empty can only be told from there.
     static void loadAll(const Vela::ParentProject &parent);
-    /// Reads the files that have no messages, and so no way to tell of a failure, once more from
-    /// their archives. Returns those that cannot be read, relative to the root; \a job, which may
-    /// be null, is told the reasons. Leaves modified files alone.
+    /// Reads the files that say nothing, but might not have been read, once more from their
+    /// archives: those that can have no messages, and those that are empty. Returns those that
+    /// cannot be read, relative to the root; \a job, which may be null, is told the reasons. Leaves
+    /// modified files alone.
     static QStringList unreadableFiles(const Vela::ParentProject &parent, Vela::JobStats *job);
 
     const QList<MessageRecord> &records() const;
@@ -46,8 +47,10 @@ public:
 
     /// Returns "error", "warning" or "information".
     static QString typeName(Vela::Message::Type type);
-    /// Returns "file:line:column: type: text" on one line, whatever the text holds: control
-    /// characters, which a terminal would obey, become replacement characters.
+    /// Returns \a text on one line: control characters, which a terminal would obey, become
+    /// replacement characters.
+    static QString printable(QString text);
+    /// Returns "file:line:column: type: text", as printable().
     static QString line(const MessageRecord &record);
     /// Returns a line for each record, each with a line end.
     QString text() const;

@@ -2,6 +2,7 @@
 #include "studio/session/projectcontents.h"
 
 #include "frame/archive.h"
+#include "frame/textcodecs.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
@@ -117,6 +118,25 @@ private:
     Vela::Archive &m_archive;
     QIODevice *m_device;
 };
+
+/// Returns whether two files hold the same text but for their line ends; false if either cannot be
+/// read.
+bool sameText(Vela::Archive &archive, const QString &name, Vela::Archive &other,
+              const QString &otherName)
+{
+    const Reader first(archive, name);
+    const Reader second(other, otherName);
+    if (!first.device() || !second.device())
+        return false;
+    int codec = -1;
+    const auto text = [&codec](const Reader &reader) {
+        return Vela::TextCodecs::stringFromData(reader.device()->readAll(), &codec)
+            .replace(QLatin1String("\r\n"), QLatin1String("\n"))
+            .replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    };
+    const QString original = text(first);
+    return original == text(second);
+}
 
 } // namespace
 
@@ -279,16 +299,17 @@ bool sameContent(Vela::Archive &archive, const QString &name, Vela::Archive &oth
 }
 
 QStringList failedCopies(const Place &from, const Place &to, const QStringList &files,
-                         const QStringList &changed)
+                         const QStringList &changed, const QStringList &texts)
 {
     QStringList result;
     for (const QString &file : files) {
+        const QString original = joined(from.root, file);
         const QString copy = joined(to.root, file);
         if (!to.archive.fileExists(copy))
             result.append(
                 QCoreApplication::translate("ProjectSession", "%1: was not copied").arg(file));
-        else if (!changed.contains(file)
-                 && !sameContent(from.archive, joined(from.root, file), to.archive, copy))
+        else if (!changed.contains(file) && !sameContent(from.archive, original, to.archive, copy)
+                 && !(texts.contains(file) && sameText(from.archive, original, to.archive, copy)))
             result.append(
                 QCoreApplication::translate("ProjectSession", "%1: the copy differs").arg(file));
     }

@@ -76,9 +76,9 @@ struct Place
 
 /// Returns a line of text for each of \a files that is not in \a to, or does not hold the bytes
 /// there that it holds in \a from. What \a changed names was written from memory: it only has to
-/// be there.
+/// be there. Of \a texts the line ends may differ.
 QStringList failedCopies(const Place &from, const Place &to, const QStringList &files,
-                         const QStringList &changed);
+                         const QStringList &changed, const QStringList &texts = {});
 
 /// Returns whether two files hold the same bytes; false if either cannot be read.
 bool sameContent(Vela::Archive &archive, const QString &name, Vela::Archive &other,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "studio/session/projectsession.h"
 
+#include "code/codedocument.h"
 #include "engine/engine.h"
 #include "engine/extensionmanager.h"
 #include "frame/filesystemarchive.h"
@@ -8,6 +9,7 @@
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
+#include "studio/session/documents.h"
 #include "studio/session/engineloader.h"
 
 #include <QFileInfo>
@@ -105,6 +107,36 @@ QStringList below(const QString &folder, const QString &root, QStringList paths)
     return paths;
 }
 
+QList<Vela::ProjectFile *> modifiedProjectFiles(const Vela::ParentProject &parent)
+{
+    QList<Vela::ProjectFile *> result;
+    const QList<Vela::Project *> projects = sortedProjects(parent);
+    for (const Vela::Project *project : projects) {
+        const QList<Vela::ProjectFile *> files = orderedFiles(*project);
+        std::copy_if(files.begin(), files.end(), std::back_inserter(result),
+                     [](const Vela::ProjectFile *file) { return file->isModified(); });
+    }
+    return result;
+}
+
+/// Returns the definition texts, relative to the root. Saved elsewhere, they get line ends of one
+/// kind even where nothing has changed.
+QStringList textFiles(const Vela::ParentProject &parent)
+{
+    QStringList result;
+    const QList<Vela::CodeDocument *> documents = openDocuments(parent);
+    for (const Vela::CodeDocument *document : documents)
+        result.append(relativeToRoot(parent, document->fileName()));
+    return result;
+}
+
+/// Returns whether a file is modified only because it was edited while its \a revision was saved.
+bool isEditedSince(Vela::ProjectFile *file, int revision)
+{
+    const Vela::CodeDocument *document = documentOf(file);
+    return document && document->savedRevision() == revision && document->revision() != revision;
+}
+
 bool makeEmptyFolder(const QString &folder, QString *error)
 {
     if (!QDir().mkpath(folder))
@@ -168,6 +200,7 @@ ProjectSession::ProjectSession(Vela::ParentProject *parent, const QString &path)
 
 ProjectSession::~ProjectSession()
 {
+    finishSave();
     const QList<Vela::Project *> projects = m_parent->openedProjects();
     for (Vela::Project *project : projects)
         project->release();
@@ -218,21 +251,56 @@ bool ProjectSession::isModified() const
 QStringList ProjectSession::modifiedFiles() const
 {
     QStringList result;
-    const QList<Vela::Project *> projects = sortedProjects(*m_parent);
-    for (const Vela::Project *project : projects) {
-        const QList<Vela::ProjectFile *> files = orderedFiles(*project);
-        for (const Vela::ProjectFile *file : files) {
-            if (file->isModified())
-                result.append(relativeToRoot(*m_parent, file->fileName()));
-        }
-    }
+    const QList<Vela::ProjectFile *> files = modifiedProjectFiles(*m_parent);
+    for (const Vela::ProjectFile *file : files)
+        result.append(relativeToRoot(*m_parent, file->fileName()));
+    result.removeDuplicates();
     return result;
 }
 
 QStringList ProjectSession::save(Vela::ProgressProvider *provider)
 {
+    beginSave(provider);
+    return finishSave();
+}
+
+void ProjectSession::beginSave(Vela::ProgressProvider *provider)
+{
+    finishSave();
+    const QList<Vela::ProjectFile *> files = modifiedProjectFiles(*m_parent);
+    for (Vela::ProjectFile *file : files) {
+        const Vela::CodeDocument *document = documentOf(file);
+        m_toSave.insert(relativeToRoot(*m_parent, file->fileName()),
+                        document ? document->revision() : 0);
+    }
     m_parent->save(provider);
-    return modifiedFiles();
+    // A project has its own name and place from its main file, and nobody can do without them.
+    const QList<Vela::Project *> projects = m_parent->openedProjects();
+    for (const Vela::Project *project : projects) {
+        if (const Vela::CodeDocument *main = documentOf(project->mainFile()))
+            main->waitForSave();
+    }
+}
+
+bool ProjectSession::isSaving() const
+{
+    return Studio::isSaving(*m_parent);
+}
+
+QStringList ProjectSession::finishSave()
+{
+    while (isSaving())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents
+                                        | QEventLoop::WaitForMoreEvents);
+    QStringList unsaved;
+    const QList<Vela::ProjectFile *> files = modifiedProjectFiles(*m_parent);
+    for (Vela::ProjectFile *file : files) {
+        const QString path = relativeToRoot(*m_parent, file->fileName());
+        if (m_toSave.contains(path) && !isEditedSince(file, m_toSave.value(path)))
+            unsaved.append(path);
+    }
+    m_toSave.clear();
+    return unsaved;
 }
 
 CopyResult ProjectSession::findings(const ContentList &contents)
@@ -251,6 +319,7 @@ CopyResult ProjectSession::saveAs(const QString &folder, Vela::JobStats *job)
     const ArchivePointer oldArchive = shared(m_parent->archive());
     const SavePlan plan = planSave(*m_parent, root);
     const QStringList changed = below(plan.oldRoot, rootPath(*m_parent), modifiedFiles());
+    const QStringList texts = below(plan.oldRoot, rootPath(*m_parent), textFiles(*m_parent));
     m_parent->saveAs(plan.path, job);
     if (QFileInfo::exists(plan.path))
         m_path = plan.path;
@@ -258,7 +327,7 @@ CopyResult ProjectSession::saveAs(const QString &folder, Vela::JobStats *job)
     CopyResult result = findings(plan.contents);
     result.errors +=
         failedCopies({*oldArchive, plan.oldRoot}, {Vela::FileSystemArchive::instance(), root},
-                     plan.contents.files, changed);
+                     plan.contents.files, changed, texts);
     const QStringList unsaved = modifiedFiles();
     for (const QString &file : unsaved)
         result.errors.append(tr("%1: was not saved").arg(file));

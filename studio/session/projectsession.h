@@ -5,6 +5,7 @@
 #include "studio/session/projectcontents.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <memory>
 
 namespace Vela {
@@ -41,7 +42,7 @@ public:
     /// it. Returns null, with the reason in \a error, on failure.
     static std::unique_ptr<ProjectSession> create(Vela::Engine *engine, const QString &folder,
                                                   const QString &name, QString *error);
-    /// Closes the project without saving.
+    /// Closes the project without saving, once what is being saved is on the disk.
     ~ProjectSession();
 
     Vela::ParentProject *parent() const;
@@ -59,8 +60,18 @@ public:
     /// Returns the modified files, relative to the root.
     QStringList modifiedFiles() const;
 
-    /// Saves in place and returns the files that are still modified.
+    /// Saves in place and returns the files that could not be saved.
     QStringList save(Vela::ProgressProvider *provider);
+    /// Begins the same, to be ended with finishSave(). Texts may go on being written behind the
+    /// call, and can be edited meanwhile; their jobs are \a provider's and end when they are
+    /// through. Until then such a file has no name.
+    void beginSave(Vela::ProgressProvider *provider);
+    /// Returns whether something is still being written.
+    bool isSaving() const;
+    /// Waits for what is still being written, with the windows painted and no input taken. Returns
+    /// the files that could not be saved; what was edited meanwhile is modified, and not among
+    /// them.
+    QStringList finishSave();
     /// Returns what a copy of \a contents cannot hold.
     static CopyResult findings(const ContentList &contents);
     /// Saves everything below \a folder, works there from then on, and compares the copies.
@@ -87,6 +98,7 @@ private:
 
     std::unique_ptr<Vela::ParentProject> m_parent;
     QString m_path;
+    QHash<QString, int> m_toSave; // the revisions of the texts that are being saved, by their paths
 };
 
 } // namespace Studio

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/mainwindow.h"
 
+#include "code/codedocument.h"
 #include "engine/engine.h"
 #include "frame/menu.h"
 #include "project/filesaver.h"
@@ -8,16 +9,20 @@
 #include "project/project.h"
 #include "project/projectfile.h"
 #include "studio/host.h"
+#include "studio/session/documents.h"
 #include "studio/session/engineloader.h"
 #include "studio/toolbararea.h"
+#include "studio/window/clipboardcommands.h"
 #include "studio/window/filesavedialog.h"
 #include "studio/window/fileview.h"
 #include "studio/window/lastsession.h"
 #include "studio/window/messagesdock.h"
 #include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
+#include "studio/window/saveindicator.h"
 #include "studio/window/statusfields.h"
-#include "studio/window/textpreview.h"
+#include "studio/window/structuredock.h"
+#include "studio/window/textview.h"
 #include "studio/window/welcomepage.h"
 #include "studio/window/windowactions.h"
 
@@ -38,8 +43,9 @@ namespace {
 
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString layoutKey = QStringLiteral("window/layout");
-constexpr int LayoutVersion = 1;
+constexpr int LayoutVersion = 2;
 constexpr int MessageTime = 6000; // ms that a note stays in the status bar
+constexpr int EditDelay = 150; // ms from a key to what only shows the text, such as the properties
 
 /// Returns the one local file or folder that is dragged, or an empty path.
 QString draggedPath(const QMimeData &data)
@@ -69,6 +75,7 @@ MainWindow::MainWindow(Host &host, QWidget *parent)
     , m_host(host)
     , m_recent(host)
     , m_commands(new ProjectCommands(host, m_recent, this))
+    , m_clipboard(new ClipboardCommands(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
     setWindowIcon(QIcon(QStringLiteral(":/studio/icons/vela-128.png")));
@@ -91,6 +98,7 @@ MainWindow::MainWindow(Host &host, QWidget *parent)
     makeStatusBar();
     connectProject();
     connectDocks();
+    connectText();
     restoreLayout();
     updateAll();
 }
@@ -125,6 +133,16 @@ const OpenFiles &MainWindow::files() const
 RecentProjects &MainWindow::recentProjects()
 {
     return m_recent;
+}
+
+ClipboardCommands &MainWindow::clipboard()
+{
+    return *m_clipboard;
+}
+
+FileView &MainWindow::view()
+{
+    return *m_view;
 }
 
 bool MainWindow::openProject(const QString &path)
@@ -171,12 +189,12 @@ void MainWindow::makeCentre()
     setCentralWidget(m_centre);
     // An open project whose folder is gone can still be dropped from the list: opening says why.
     connect(m_welcome, &WelcomePage::projectWanted, this, &MainWindow::openProject);
-    connect(m_view, &FileView::positionChanged, this, &MainWindow::updateStatus);
 }
 
 void MainWindow::makeDocks()
 {
     m_projectDock = new ProjectDock(m_files);
+    m_structureDock = new StructureDock;
     m_propertiesDock = new PropertiesDock;
     m_messagesDock = new MessagesDock(m_host);
     m_output = new QPlainTextEdit;
@@ -192,6 +210,9 @@ void MainWindow::makeDocks()
     addDockWidget(Qt::LeftDockWidgetArea, m_projectDock);
     addDockWidget(Qt::RightDockWidgetArea, m_propertiesDock);
     addDockWidget(Qt::BottomDockWidgetArea, m_messagesDock);
+    addDockWidget(Qt::LeftDockWidgetArea, m_structureDock);
+    tabifyDockWidget(m_projectDock, m_structureDock);
+    m_projectDock->raise();
     tabifyDockWidget(m_messagesDock, outputDock);
     m_messagesDock->raise();
     resizeDocks({m_projectDock, m_propertiesDock}, {260, 280}, Qt::Horizontal);
@@ -228,6 +249,7 @@ void MainWindow::makeStatusBar()
     m_stopReading->setAutoRaise(true);
     m_stopReading->setToolTip(tr("Stop reading files; their messages come when they are opened"));
     m_stopReading->setAccessibleName(tr("Stop reading files"));
+    statusBar()->addPermanentWidget(new SaveIndicator(m_commands->saveProgress()));
     statusBar()->addPermanentWidget(m_readProgress);
     statusBar()->addPermanentWidget(m_stopReading);
     m_readProgress->hide();
@@ -278,7 +300,7 @@ void MainWindow::connectProject()
     connect(&m_reader, &BackgroundReader::progressed, this, &MainWindow::onReadProgress);
     connect(&m_reader, &BackgroundReader::finished, m_commands, &ProjectCommands::offerRecovery);
     connect(&m_host.settings(), &Settings::changed, this, [this](const QString &key) {
-        if (key.startsWith(QLatin1String("color/")))
+        if (key.startsWith(QLatin1String("color/")) || key.startsWith(QLatin1String("format/")))
             m_view->updateColors();
     });
     connect(&m_host.settings(), &Settings::writeFailed, this, &MainWindow::onSettingsNotWritten);
@@ -300,8 +322,8 @@ void MainWindow::connectDocks()
     connect(m_projectDock, &ProjectDock::pathActivated, this, [this](const QString &path) {
         if (m_files.isClosedProject(path))
             m_commands->openClosedProject(path);
-        else if (m_view->textPreview())
-            m_view->textPreview()->setFocus();
+        else if (m_view->textView())
+            m_view->textView()->setFocus();
     });
     connect(m_projectDock, &ProjectDock::openProjectWanted, m_commands,
             &ProjectCommands::openClosedProject);
@@ -311,6 +333,25 @@ void MainWindow::connectDocks()
     connect(m_projectDock, &ProjectDock::copyPathWanted, this, &MainWindow::copyPath);
     connect(m_messagesDock, &MessagesDock::placeWanted, this, &MainWindow::goToPlace);
     connect(m_propertiesDock->model(), &PropertiesModel::edited, this, &MainWindow::refresh);
+}
+
+void MainWindow::connectText()
+{
+    connect(m_view, &FileView::positionChanged, this, &MainWindow::updateStatus);
+    connect(m_view, &FileView::positionChanged, m_structureDock, &StructureDock::followLine);
+    connect(m_view, &FileView::historyChanged, this, &MainWindow::updateActions);
+    connect(m_view, &FileView::edited, this, &MainWindow::onEdited);
+    connect(m_clipboard, &ClipboardCommands::changed, this, &MainWindow::updateActions);
+    connect(m_structureDock, &StructureDock::lineChosen, this, [this](int line) {
+        if (m_view->textView())
+            m_view->textView()->selectLine(line);
+    });
+    connect(m_structureDock, &StructureDock::lineActivated, this, [this](int line) {
+        if (!m_view->textView())
+            return;
+        m_view->textView()->selectLine(line);
+        m_view->textView()->setFocus();
+    });
 }
 
 void MainWindow::onOpened(Vela::ParentProject *parent)
@@ -335,13 +376,21 @@ void MainWindow::onAboutToClose()
     m_projectDock->setParentProject(nullptr);
     m_messagesDock->model()->setParentProject(nullptr);
     m_files.setParentProject(nullptr);
+    m_view->forgetPlaces();
     m_centre->setCurrentWidget(m_welcome);
+}
+
+// The text itself says at once what it holds; what is worked out from it may come a little later.
+void MainWindow::onEdited()
+{
+    if (!m_contentTimer.isActive())
+        m_contentTimer.start(EditDelay);
 }
 
 void MainWindow::onFileGone(Vela::ProjectFile *file)
 {
     m_reader.forget(file);
-    if (m_view->file() == file)
+    if (m_view->file() == file || (m_view->document() && m_view->document() == documentOf(file)))
         setCurrentFile(QString());
 }
 
@@ -369,6 +418,7 @@ void MainWindow::setCurrentFile(const QString &path)
     if (file == m_view->file())
         return;
     m_view->setFile(file, m_current);
+    m_structureDock->setFile(file);
     m_propertiesDock->setFile(file);
     if (file)
         m_projectDock->select(path);
@@ -389,8 +439,8 @@ void MainWindow::goToPlace(const QString &path, unsigned int line, unsigned int 
         return;
     setCurrentFile(path);
     m_view->goTo(int(line), int(column));
-    if (m_view->textPreview())
-        m_view->textPreview()->setFocus();
+    if (m_view->textView())
+        m_view->textView()->setFocus();
 }
 
 void MainWindow::refresh()
@@ -398,6 +448,7 @@ void MainWindow::refresh()
     m_files.refresh();
     m_messagesDock->model()->followProjects();
     m_contentTimer.start(0);
+    updateTitle();
 }
 
 void MainWindow::updateContent()

@@ -23,12 +23,14 @@ class FileSaver;
 
 namespace Studio {
 
+class ClipboardCommands;
 class FileView;
 class Host;
 class MessagesDock;
 class ProjectDock;
 class PropertiesDock;
 class StatusFields;
+class StructureDock;
 class WelcomePage;
 struct WindowAction;
 
@@ -46,6 +48,8 @@ public:
     ProjectCommands &commands();
     const OpenFiles &files() const;
     RecentProjects &recentProjects();
+    ClipboardCommands &clipboard();
+    FileView &view();
 
     /// Opens a project; see ProjectCommands::open().
     bool openProject(const QString &path);
@@ -77,6 +81,7 @@ private:
     void connectEditors();
     void connectProject();
     void connectDocks();
+    void connectText();
 
     // Commands of the table of actions that are not the project's.
     void undo();
@@ -91,12 +96,14 @@ private:
 
     void onOpened(Vela::ParentProject *parent);
     void onAboutToClose();
+    void onEdited();
     void onFileGone(Vela::ProjectFile *file);
     void onReadProgress(int done, int total);
     void onSettingsNotWritten(const QString &fileName);
     void onStatusField(int field);
     void showEncodings();
     void showEngine();
+    QString encodingName() const;
     void setEncoding(const QString &name);
     void fillRecentMenu();
     void showInFolder(const QString &path);
@@ -115,12 +122,14 @@ private:
     OpenFiles m_files;
     BackgroundReader m_reader;
     ProjectCommands *m_commands;
+    ClipboardCommands *m_clipboard;
     std::vector<std::unique_ptr<Vela::FileSaver>> m_savers;
 
     QStackedWidget *m_centre = nullptr;
     WelcomePage *m_welcome = nullptr;
     FileView *m_view = nullptr;
     ProjectDock *m_projectDock = nullptr;
+    StructureDock *m_structureDock = nullptr;
     PropertiesDock *m_propertiesDock = nullptr;
     MessagesDock *m_messagesDock = nullptr;
     QPlainTextEdit *m_output = nullptr;

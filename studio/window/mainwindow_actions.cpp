@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The actions of the main window, and what the commands that are not the project's do.
+#include "code/codedocument.h"
 #include "engine/engine.h"
 #include "frame/menu.h"
 #include "frame/propertyitem.h"
@@ -8,6 +9,7 @@
 #include "project/project.h"
 #include "project/projectfile.h"
 #include "studio/host.h"
+#include "studio/window/clipboardcommands.h"
 #include "studio/window/commandpalette.h"
 #include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
@@ -16,7 +18,7 @@
 #include "studio/window/propertiesdock.h"
 #include "studio/window/settingsdialog.h"
 #include "studio/window/statusfields.h"
-#include "studio/window/textpreview.h"
+#include "studio/window/textview.h"
 #include "studio/window/windowactions.h"
 
 #include <QClipboard>
@@ -94,10 +96,20 @@ void MainWindow::makeMenus()
 
 void MainWindow::updateActions()
 {
-    const bool hasProject = m_commands->session();
-    const bool hasFile = m_view->file();
-    const bool hasText = m_view->textPreview();
-    const bool met[] = {true, hasProject, hasFile, hasText};
+    const Vela::CodeDocument *document = m_view->document();
+    const TextView *text = m_view->textView();
+    bool met[WindowAction::NeedCount] = {};
+    met[WindowAction::Nothing] = true;
+    met[WindowAction::AProject] = m_commands->session();
+    met[WindowAction::AText] = text;
+    met[WindowAction::AnEditableText] = text && !text->isReadOnly();
+    // Only a definition text tells whether there is a step.
+    met[WindowAction::ToUndo] = document ? document->isUndoAvailable() : m_view->file() != nullptr;
+    met[WindowAction::ToRedo] = document ? document->isRedoAvailable() : m_view->file() != nullptr;
+    met[WindowAction::ToCut] = m_clipboard->canCut();
+    met[WindowAction::ToCopy] = m_clipboard->canCopy();
+    met[WindowAction::ToPaste] = m_clipboard->canPaste();
+    met[WindowAction::ToSelect] = m_clipboard->canSelectAll();
     for (const WindowAction &row : WindowAction::table()) {
         if (row.key)
             m_host.action(row.key)->setEnabled(met[row.need]);
@@ -134,23 +146,28 @@ void MainWindow::fillRecentMenu()
     connect(clearing, &QAction::triggered, &m_recent, &RecentProjects::clear);
 }
 
+// The view takes the cursor to where a text changes.
 void MainWindow::undo()
 {
-    if (Vela::ProjectFile *file = m_view->file())
+    if (m_view->document())
+        m_view->textView()->undo();
+    else if (Vela::ProjectFile *file = m_view->file())
         file->undo();
     refresh();
 }
 
 void MainWindow::redo()
 {
-    if (Vela::ProjectFile *file = m_view->file())
+    if (m_view->document())
+        m_view->textView()->redo();
+    else if (Vela::ProjectFile *file = m_view->file())
         file->redo();
     refresh();
 }
 
 void MainWindow::goToLine()
 {
-    TextPreview *text = m_view->textPreview();
+    TextView *text = m_view->textView();
     if (!text)
         return;
     bool ok = false;
@@ -218,11 +235,10 @@ void MainWindow::onStatusField(int field)
 
 void MainWindow::updateStatus()
 {
-    const auto *item = dynamic_cast<const Vela::PropertyItem *>(m_view->file());
-    const QString encoding = item ? item->property(encodingProperty).toString() : QString();
+    const QString encoding = encodingName();
     const Vela::Engine *engine = m_commands->session() ? m_host.engine() : nullptr;
     QString position;
-    if (const TextPreview *text = m_view->textPreview())
+    if (const TextView *text = m_view->textView())
         position = tr("Line %1, Column %2")
                        .arg(text->textCursor().blockNumber() + 1)
                        .arg(text->textCursor().positionInBlock() + 1);
@@ -250,10 +266,24 @@ void MainWindow::showEncodings()
     menu.exec(button->mapToGlobal(QPoint(0, -menu.sizeHint().height())));
 }
 
+QString MainWindow::encodingName() const
+{
+    const auto *item = dynamic_cast<const Vela::PropertyItem *>(m_view->file());
+    const QString name = item ? item->property(encodingProperty).toString() : QString();
+    const Vela::CodeDocument *document = m_view->document();
+    return name.isEmpty() && document ? QString::fromLatin1(document->codecName()) : name;
+}
+
 void MainWindow::setEncoding(const QString &name)
 {
-    if (auto *item = dynamic_cast<Vela::PropertyItem *>(m_view->file()))
+    auto *item = dynamic_cast<Vela::PropertyItem *>(m_view->file());
+    Vela::CodeDocument *document = m_view->document();
+    if (item && item->property(encodingProperty).isValid()) {
         item->setProperty(encodingProperty, name);
+    } else if (document && document->codecName() != name.toLatin1()) {
+        document->setCodec(name.toLatin1().constData());
+        document->setModified(true);
+    }
     refresh();
 }
 

@@ -42,8 +42,8 @@ MessagesDock::MessagesDock(const Vela::Interface &host, QWidget *parent)
     layout->addWidget(m_view);
     setWidget(content);
 
-    connect(&m_model, &MessagesModel::modelReset, this, &MessagesDock::showCounts);
-    connect(&m_model, &MessagesModel::modelReset, this, &MessagesDock::listFiles);
+    connect(&m_model, &MessagesModel::updated, this, &MessagesDock::showCounts);
+    connect(&m_model, &MessagesModel::updated, this, &MessagesDock::listFiles);
     showCounts();
     listFiles();
 }

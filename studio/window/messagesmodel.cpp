@@ -5,7 +5,9 @@
 #include "project/messagelist.h"
 #include "project/parentproject.h"
 #include "project/project.h"
+#include "studio/session/documents.h"
 
+#include <QElapsedTimer>
 #include <QSet>
 
 namespace Studio {
@@ -15,6 +17,13 @@ namespace {
 /// While a large project is read its messages change all the time; a table that follows four times
 /// a second is fast enough for the eye.
 constexpr int UpdateDelay = 250; // ms
+constexpr int LargestShare = 10; // a tenth of the time at most goes into it
+
+/// Returns whether two records are the same message, perhaps at another place of its file.
+bool isSame(const MessageRecord &a, const MessageRecord &b)
+{
+    return a.type == b.type && a.file == b.file && a.text == b.text;
+}
 
 QString typeIcon(Vela::Message::Type type)
 {
@@ -29,7 +38,13 @@ MessagesModel::MessagesModel(const Vela::Interface &host, QObject *parent)
 {
     m_updateLater.setSingleShot(true);
     m_updateLater.setInterval(UpdateDelay);
-    connect(&m_updateLater, &QTimer::timeout, this, &MessagesModel::update);
+    connect(&m_updateLater, &QTimer::timeout, this, [this] {
+        // A file has no name while it is being saved.
+        if (m_parent && isSaving(*m_parent))
+            m_updateLater.start();
+        else
+            update();
+    });
 }
 
 void MessagesModel::setParentProject(const Vela::ParentProject *parent)
@@ -54,7 +69,8 @@ void MessagesModel::followProjects()
 
 void MessagesModel::updateSoon()
 {
-    if (!m_updateLater.isActive())
+    // Where the rows take their time they wait for a pause.
+    if (!m_updateLater.isActive() || m_updateLater.interval() > UpdateDelay)
         m_updateLater.start();
 }
 
@@ -130,12 +146,45 @@ QVariant MessagesModel::headerData(int section, Qt::Orientation orientation, int
 void MessagesModel::update()
 {
     m_updateLater.stop();
-    beginResetModel();
-    m_records = m_parent ? MessageReport(*m_parent).records() : QList<MessageRecord>();
+    QElapsedTimer time;
+    time.start();
+    take(m_parent ? MessageReport(*m_parent).records() : QList<MessageRecord>());
+    // Typing in a project of very many messages must not wait for their table.
+    m_updateLater.setInterval(qMax(UpdateDelay, LargestShare * int(time.elapsed())));
+    Q_EMIT updated();
+}
+
+/// Replaces the rows between those that stay at the top and at the bottom, so that the current row
+/// and what is scrolled to survive.
+void MessagesModel::take(const QList<MessageRecord> &records)
+{
+    const int shorter = qMin(records.size(), m_records.size());
+    int top = 0;
+    while (top < shorter && isSame(records.at(top), m_records.at(top)))
+        ++top;
+    int bottom = 0;
+    while (bottom < shorter - top
+           && isSame(records.at(records.size() - 1 - bottom),
+                     m_records.at(m_records.size() - 1 - bottom)))
+        ++bottom;
+    const int gone = m_records.size() - top - bottom;
+    const int come = records.size() - top - bottom;
+    if (gone > 0) {
+        beginRemoveRows(QModelIndex(), top, top + gone - 1);
+        m_records.erase(m_records.begin() + top, m_records.begin() + top + gone);
+        endRemoveRows();
+    }
+    if (come > 0)
+        beginInsertRows(QModelIndex(), top, top + come - 1);
+    m_records = records;
     std::fill(std::begin(m_counts), std::end(m_counts), 0);
-    for (const MessageRecord &record : qAsConst(m_records))
+    for (const MessageRecord &record : records)
         ++m_counts[record.type];
-    endResetModel();
+    if (come > 0)
+        endInsertRows();
+    // The rows that stay may stand on other lines.
+    if (top + bottom > 0)
+        Q_EMIT dataChanged(index(0, 0), index(records.size() - 1, ColumnCount - 1));
 }
 
 MessagesFilter::MessagesFilter(QObject *parent)

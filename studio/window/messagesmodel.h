@@ -47,8 +47,13 @@ public:
     /// Connects itself to projects that were opened since and takes the rows anew, soon.
     void followProjects();
 
+Q_SIGNALS:
+    /// The rows and counts have been taken anew.
+    void updated();
+
 private:
     void updateSoon();
+    void take(const QList<MessageRecord> &records);
 
     const Vela::Interface &m_host;
     const Vela::ParentProject *m_parent = nullptr;

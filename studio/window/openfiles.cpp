@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/openfiles.h"
 
+#include "code/codedocument.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
+#include "studio/session/documents.h"
 #include "studio/session/projectcontents.h"
 
 namespace Studio {
@@ -90,6 +92,7 @@ void OpenFiles::refresh()
 void OpenFiles::collect()
 {
     m_collectLater.stop();
+    const QHash<const Vela::ProjectFile *, QString> known = m_paths;
     m_files.clear();
     m_paths.clear();
     m_closed.clear();
@@ -98,9 +101,11 @@ void OpenFiles::collect()
         for (const Vela::Project *project : projects) {
             const QList<Vela::ProjectFile *> files = project->files();
             for (Vela::ProjectFile *file : files) {
-                const QString path = relativeToRoot(*m_parent, file->fileName());
-                m_files.insert(path, file);
-                m_paths.insert(file, path);
+                // A text has no name while it is being saved.
+                const QString path = file->fileName().isEmpty()
+                    ? known.value(file)
+                    : relativeToRoot(*m_parent, file->fileName());
+                add(file, path);
             }
         }
         const QStringList closed = closedProjects(*m_parent);
@@ -108,6 +113,18 @@ void OpenFiles::collect()
     }
     refresh();
     Q_EMIT filesChanged();
+}
+
+// A path stands for the text itself where there are views of it, too.
+void OpenFiles::add(Vela::ProjectFile *file, const QString &path)
+{
+    Vela::CodeDocument *document = documentOf(file);
+    m_paths.insert(file, path);
+    if (!m_files.contains(path) || file == document)
+        m_files.insert(path, file);
+    if (document)
+        connect(document, &QTextDocument::modificationChanged, this, &OpenFiles::refresh,
+                Qt::UniqueConnection);
 }
 
 void OpenFiles::onAccess(Vela::ProjectFile *file)

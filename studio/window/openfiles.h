@@ -15,8 +15,8 @@ class ProjectFile;
 namespace Studio {
 
 /// The files of the opened projects by their paths relative to the root, and which of them have
-/// unsaved changes. A file tells nobody that it became modified, so its state is looked at twice a
-/// second and whenever somebody calls refresh().
+/// unsaved changes. Only a definition text tells that it became modified, so the state of all files
+/// is looked at twice a second and whenever somebody calls refresh().
 class OpenFiles : public QObject
 {
     Q_OBJECT
@@ -53,6 +53,7 @@ Q_SIGNALS:
 
 private:
     void collect();
+    void add(Vela::ProjectFile *file, const QString &path);
     void onAccess(Vela::ProjectFile *file);
     void onClosed(Vela::ProjectFile *file);
 

@@ -9,11 +9,11 @@
 #include "project/projectfile.h"
 #include "studio/host.h"
 #include "studio/session/engineloader.h"
-#include "studio/session/messagereport.h"
 #include "studio/window/backupsdialog.h"
 #include "studio/window/newprojectdialog.h"
 #include "studio/window/recentprojects.h"
 #include "studio/window/recoverydialog.h"
+#include "studio/window/savefailures.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -23,6 +23,8 @@
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QtConcurrentRun>
+
+#include <algorithm>
 
 namespace Studio {
 
@@ -46,50 +48,6 @@ QString shortened(const QStringList &lines)
             + ProjectCommands::tr("and %n more", nullptr, lines.size() - LinesShown);
     return text;
 }
-
-/// The errors of files that come up while it lives: a file tells why it could not be saved in its
-/// messages.
-class SaveFailures
-{
-public:
-    explicit SaveFailures(const Vela::ParentProject &parent)
-        : m_parent(parent)
-        , m_before(errors())
-    {
-    }
-
-    /// Returns the paths, each with what its file has told since.
-    QStringList withReasons(const QStringList &paths) const
-    {
-        const QHash<QString, QStringList> now = errors();
-        QStringList lines;
-        for (const QString &path : paths) {
-            QStringList reasons = now.value(path);
-            const QStringList known = m_before.value(path);
-            for (const QString &text : known)
-                reasons.removeOne(text);
-            reasons.removeDuplicates();
-            reasons.prepend(path);
-            lines.append(reasons.join(QStringLiteral(": ")));
-        }
-        return lines;
-    }
-
-private:
-    QHash<QString, QStringList> errors() const
-    {
-        QHash<QString, QStringList> texts;
-        const MessageReport report(m_parent);
-        for (const MessageRecord &record : report.records()) {
-            if (record.type == Vela::Message::Error)
-                texts[record.file].append(record.text);
-        }
-        return texts;
-    }
-
-    const Vela::ParentProject &m_parent;
-    const QHash<QString, QStringList> m_before;
-};
 
 /// Keeps the closed projects of a session open while it lives.
 class ClosedProjects
@@ -133,10 +91,19 @@ ProjectCommands::ProjectCommands(Host &host, RecentProjects &recent, QWidget *wi
     , m_recent(recent)
     , m_window(window)
 {
+    // A text is through only behind the end of its job.
+    connect(
+        &m_saveProgress, &SaveProgress::changed, this,
+        [this] {
+            if (m_saving && !m_busy && !m_session->isSaving())
+                endSave();
+        },
+        Qt::QueuedConnection);
 }
 
 ProjectCommands::~ProjectCommands()
 {
+    m_saving.reset();
     if (m_session)
         m_host.removeParentProject(m_session->parent());
 }
@@ -206,25 +173,60 @@ void ProjectCommands::createNew()
 
 bool ProjectCommands::save()
 {
+    return beginSave() && endSave();
+}
+
+void ProjectCommands::saveInBackground()
+{
+    if (beginSave() && !m_session->isSaving())
+        endSave();
+}
+
+const SaveProgress &ProjectCommands::saveProgress() const
+{
+    return m_saveProgress;
+}
+
+bool ProjectCommands::mayBegin()
+{
     if (m_busy || !m_session)
         return false;
+    endSave();
+    return true;
+}
+
+bool ProjectCommands::beginSave()
+{
+    if (!mayBegin())
+        return false;
     const QScopedValueRollback<bool> busy(m_busy, true);
-    const int count = m_session->modifiedFiles().size();
-    const SaveFailures failures(*m_session->parent());
-    const QStringList unsaved = m_session->save(m_host.progress());
+    m_saving = std::make_unique<SaveFailures>(*m_session->parent());
+    m_saveCount = m_session->modifiedFiles().size();
+    m_saveProgress.takeErrors();
+    m_session->beginSave(&m_saveProgress);
+    return true;
+}
+
+bool ProjectCommands::endSave()
+{
+    if (!m_saving)
+        return true;
+    const QScopedValueRollback<bool> busy(m_busy, true);
+    const QStringList unsaved = m_session->finishSave();
+    const std::unique_ptr<SaveFailures> failures = std::move(m_saving);
     Q_EMIT contentsChanged();
-    if (!unsaved.isEmpty()) {
-        warn(tr("Save"), tr("These files could not be saved, and keep their changes:"),
-             failures.withReasons(unsaved));
+    const QStringList failed = failures->lines(unsaved, m_saveProgress.takeErrors());
+    if (!failed.isEmpty()) {
+        warn(tr("Save"), tr("These files could not be saved, and keep their changes:"), failed);
         return false;
     }
-    Q_EMIT done(count == 0 ? tr("There is nothing to save.") : tr("Saved."));
+    Q_EMIT done(m_saveCount == 0 ? tr("There is nothing to save.") : tr("Saved."));
     return true;
 }
 
 void ProjectCommands::saveAs()
 {
-    if (m_busy || !m_session)
+    if (!mayBegin())
         return;
     const QString folder =
         Vela::getExistingDirectory(m_window, tr("Save Project As"), startFolder());
@@ -254,6 +256,7 @@ bool ProjectCommands::close()
 
 bool ProjectCommands::mayLeave()
 {
+    endSave();
     const QStringList files = m_session ? m_session->modifiedFiles() : QStringList();
     if (files.isEmpty())
         return true;
@@ -276,7 +279,7 @@ bool ProjectCommands::mayLeave()
 void ProjectCommands::backup()
 {
     QString label = m_session ? QFileInfo(rootPath(*m_session->parent())).fileName() : QString();
-    if (m_busy || !m_session || !askForLabel(label))
+    if (!mayBegin() || !askForLabel(label))
         return;
     const QScopedValueRollback<bool> busy(m_busy, true);
     const Job job = newJob(m_host, tr("Backing up..."));
@@ -304,7 +307,7 @@ bool ProjectCommands::askForLabel(QString &label)
 
 void ProjectCommands::restore()
 {
-    if (m_busy || !m_session)
+    if (!mayBegin())
         return;
     const Backups backups = m_session->backups();
     BackupsDialog dialog(backups.list(), Backups::folderOf(*m_session->parent()), m_window);
@@ -326,7 +329,7 @@ void ProjectCommands::restore()
 
 void ProjectCommands::reload()
 {
-    if (m_busy || !m_session)
+    if (!mayBegin())
         return;
     const QStringList modified = m_session->modifiedFiles();
     if (!modified.isEmpty()
@@ -346,7 +349,7 @@ void ProjectCommands::reload()
 
 void ProjectCommands::openClosedProject(const QString &path)
 {
-    if (m_busy || !m_session)
+    if (!mayBegin())
         return;
     QString error;
     if (!m_session->openClosedProject(path, &error))
@@ -356,7 +359,7 @@ void ProjectCommands::openClosedProject(const QString &path)
 
 void ProjectCommands::closeProject(const QString &path)
 {
-    if (m_busy || !m_session)
+    if (!mayBegin())
         return;
     const Vela::ParentProject *parent = m_session->parent();
     const auto *root = parent->projectForFile(parent->filePath(path));
@@ -382,11 +385,16 @@ void ProjectCommands::offerRecovery()
         return;
     using Saves = QList<InterruptedSave>;
     const QPointer<Vela::ParentProject> parent(m_session->parent());
+    const QDateTime begun = QDateTime::currentDateTime();
     auto *search = new QFutureWatcher<Saves>(this);
-    connect(search, &QFutureWatcherBase::finished, this, [this, search, parent] {
+    connect(search, &QFutureWatcherBase::finished, this, [this, search, parent, begun] {
         search->deleteLater();
+        Saves saves = search->result();
+        // A save that began meanwhile was not interrupted: it is being written.
+        const auto isNew = [&](const InterruptedSave &save) { return save.temporaryTime >= begun; };
+        saves.erase(std::remove_if(saves.begin(), saves.end(), isNew), saves.end());
         if (parent && m_session && parent == m_session->parent())
-            showRecovery(search->result());
+            showRecovery(saves);
     });
     search->setFuture(QtConcurrent::run(&Recovery::find, Recovery::searchFor(*parent)));
 }
@@ -437,6 +445,7 @@ void ProjectCommands::drop()
 {
     if (!m_session)
         return;
+    endSave();
     Q_EMIT aboutToClose();
     m_host.removeParentProject(m_session->parent());
     m_session.reset();

@@ -3,6 +3,7 @@
 
 #include "studio/session/projectsession.h"
 #include "studio/session/recovery.h"
+#include "studio/window/saveprogress.h"
 
 #include <QObject>
 #include <memory>
@@ -16,6 +17,7 @@ namespace Studio {
 
 class Host;
 class RecentProjects;
+class SaveFailures;
 
 /// What the user does with a whole project, with the questions that belong to it. One parent
 /// project is open at a time.
@@ -40,8 +42,12 @@ public:
     bool open(const QString &path, QString *error);
     void chooseAndOpen();
     void createNew();
-    /// Saves what is modified; returns whether everything is saved now.
+    /// Saves what is modified, and waits until it is on the disk. Returns whether all of it is.
     bool save();
+    /// The same without waiting: texts are written while the user goes on. Every other command
+    /// waits for them first.
+    void saveInBackground();
+    const SaveProgress &saveProgress() const;
     void saveAs();
     /// Asks about unsaved changes; returns false, with nothing done, if the user cancels.
     bool close();
@@ -68,6 +74,10 @@ Q_SIGNALS:
     void done(const QString &text);
 
 private:
+    /// Returns whether a command may begin with the open project.
+    bool mayBegin();
+    bool beginSave();
+    bool endSave();
     void adopt(std::unique_ptr<ProjectSession> session);
     void drop();
     void showRecovery(const QList<InterruptedSave> &saves);
@@ -83,6 +93,9 @@ private:
     Host &m_host;
     RecentProjects &m_recent;
     QWidget *m_window;
+    SaveProgress m_saveProgress;            // outlives the jobs of the session's files
+    std::unique_ptr<SaveFailures> m_saving; // null while nothing is being saved
+    int m_saveCount = 0;
     std::unique_ptr<ProjectSession> m_session;
     bool m_busy = false;
 };

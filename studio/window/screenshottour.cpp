@@ -4,9 +4,12 @@
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "studio/host.h"
+#include "studio/session/projectcontents.h"
+#include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
-#include "studio/window/messagesdock.h"
+#include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
+#include "studio/window/structuredock.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -85,7 +88,8 @@ void ScreenshotTour::showProject()
     settle();
     take(QStringLiteral("project"));
     showMessage();
-    if (selectImage())
+    showText();
+    if (selectFile(Vela::Project::Sprites))
         take(QStringLiteral("image"));
     makeBackup();
     editProperty(QStringLiteral("Encoding"), QStringLiteral("UTF-16"));
@@ -100,6 +104,39 @@ void ScreenshotTour::showMessage()
     take(QStringLiteral("message"));
     m_window.host().action("undo")->trigger();
     settle();
+}
+
+void ScreenshotTour::showText()
+{
+    auto *structure = m_window.findChild<StructureDock *>(QStringLiteral("structureDock"));
+    structure->raise();
+    if (selectFile(Vela::Project::Main)) {
+        structure->view()->expandAll();
+        settle();
+        take(QStringLiteral("structure"));
+    }
+    if (!selectFile(Vela::Project::Animations))
+        return;
+    structure->view()->expandAll();
+    const QAbstractItemModel *model = structure->view()->model();
+    if (model)
+        Q_EMIT structure->view()->clicked(model->index(0, 0, model->index(1, 0)));
+    settle();
+    take(QStringLiteral("animations"));
+
+    TextView *text = m_window.view().textView();
+    text->setFocus();
+    text->insertPlainText(QStringLiteral("frame"));
+    settle();
+    take(QStringLiteral("typing"));
+    text->undo();
+    m_window.host().action("replace")->trigger();
+    m_window.findChild<QLineEdit *>(QStringLiteral("findText"))->setText(QStringLiteral("idle"));
+    m_window.host().action("find_next")->trigger();
+    settle();
+    take(QStringLiteral("find"));
+    m_window.findChild<QWidget *>(QStringLiteral("findBar"))->hide();
+    m_window.findChild<ProjectDock *>(QStringLiteral("projectDock"))->raise();
 }
 
 void ScreenshotTour::showDialogs()
@@ -170,8 +207,8 @@ void ScreenshotTour::makeBackup()
 
 void ScreenshotTour::editProperty(const QString &name, const QString &value)
 {
-    const QList<Vela::Project *> projects = parentProject().openedProjects();
-    m_window.setCurrentFile(m_window.files().path(projects.last()->mainFile()));
+    const Vela::Project *project = sortedProjects(parentProject()).last();
+    m_window.setCurrentFile(m_window.files().path(project->mainFile()));
     auto *view = m_window.findChild<QTreeView *>(QStringLiteral("properties"));
     QAbstractItemModel *model = view->model();
     const QModelIndexList rows = model->match(model->index(0, PropertiesModel::NameColumn),
@@ -183,17 +220,18 @@ void ScreenshotTour::editProperty(const QString &name, const QString &value)
     settle();
 }
 
-bool ScreenshotTour::selectImage()
+bool ScreenshotTour::selectFile(int type)
 {
-    const QList<Vela::Project *> projects = parentProject().openedProjects();
+    const Vela::ProjectFile *file = nullptr;
+    const QList<Vela::Project *> projects = sortedProjects(parentProject());
     for (const Vela::Project *project : projects) {
-        if (const Vela::ProjectFile *image = project->file(Vela::Project::Sprites)) {
-            m_window.setCurrentFile(m_window.files().path(image));
-            settle();
-            return true;
-        }
+        if (const Vela::ProjectFile *first = project->file(type))
+            file = first;
     }
-    return false;
+    if (file)
+        m_window.setCurrentFile(m_window.files().path(file));
+    settle();
+    return file;
 }
 
 const Vela::ParentProject &ScreenshotTour::parentProject()

@@ -27,6 +27,8 @@ public:
 
 private:
     void showProject();
+    /// Shows the tree of a text beside it while it is typed, and a search in it.
+    void showText();
     void showDialogs();
     void showDark();
     /// Takes a picture of the window, or of the whole screen where a dialog is open.
@@ -40,7 +42,8 @@ private:
     void showMessage();
     /// Makes the main file of the last project current and changes one of its properties.
     void editProperty(const QString &name, const QString &value);
-    bool selectImage();
+    /// Makes the first file of a type in the last project current; returns false if there is none.
+    bool selectFile(int type);
     const Vela::ParentProject &parentProject();
 
     MainWindow &m_window;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/windowactions.h"
 
+#include "studio/window/clipboardcommands.h"
+#include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
 
 #include <QApplication>
@@ -15,6 +17,18 @@ using Command = void (ProjectCommands::*)();
 std::function<void(MainWindow &)> project(Command command)
 {
     return [command](MainWindow &window) { (window.commands().*command)(); };
+}
+
+/// Runs a command on the text that has the focus.
+std::function<void(MainWindow &)> clipboard(void (ClipboardCommands::*command)())
+{
+    return [command](MainWindow &window) { (window.clipboard().*command)(); };
+}
+
+/// Runs a search in the current file.
+std::function<void(MainWindow &)> find(void (FileView::*search)(bool), bool how)
+{
+    return [search, how](MainWindow &window) { (window.view().*search)(how); };
 }
 
 const WindowAction separator(const char *menu)
@@ -47,7 +61,7 @@ const QVector<WindowAction> &WindowAction::table()
         separator("menu_file"),
         {"save", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Save"),
          QKeySequence::Save, AProject, OnToolBar,
-         [](MainWindow &window) { window.commands().save(); }},
+         project(&ProjectCommands::saveInBackground)},
         {"save_as", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Save &As..."),
          Qt::CTRL + Qt::SHIFT + Qt::Key_S, AProject, MenuOnly, project(&ProjectCommands::saveAs)},
         separator("menu_file"),
@@ -58,16 +72,34 @@ const QVector<WindowAction> &WindowAction::table()
          Qt::CTRL + Qt::Key_Q, Nothing, MenuOnly, [](MainWindow &window) { window.close(); }},
 
         {"undo", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Undo"),
-         Qt::CTRL + Qt::Key_Z, AFile, OnToolBar, &MainWindow::undo},
+         Qt::CTRL + Qt::Key_Z, ToUndo, OnToolBar, &MainWindow::undo},
         {"redo", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Redo"),
-         Qt::CTRL + Qt::SHIFT + Qt::Key_Z, AFile, OnToolBar, &MainWindow::redo},
+         Qt::CTRL + Qt::SHIFT + Qt::Key_Z, ToRedo, OnToolBar, &MainWindow::redo},
+        separator("menu_edit"),
+        {"cut", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Cu&t"),
+         Qt::CTRL + Qt::Key_X, ToCut, MenuOnly, clipboard(&ClipboardCommands::cut)},
+        {"copy", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Copy"),
+         Qt::CTRL + Qt::Key_C, ToCopy, MenuOnly, clipboard(&ClipboardCommands::copy)},
+        {"paste", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Paste"),
+         Qt::CTRL + Qt::Key_V, ToPaste, MenuOnly, clipboard(&ClipboardCommands::paste)},
+        {"select_all", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Select &All"),
+         Qt::CTRL + Qt::Key_A, ToSelect, MenuOnly, clipboard(&ClipboardCommands::selectAll)},
+        separator("menu_edit"),
+        {"find", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Find..."),
+         Qt::CTRL + Qt::Key_F, AText, OnToolBar, find(&FileView::openFindBar, false)},
+        {"find_next", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find &Next"),
+         Qt::Key_F3, AText, MenuOnly, find(&FileView::findNext, false)},
+        {"find_previous", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find Pre&vious"),
+         Qt::SHIFT + Qt::Key_F3, AText, MenuOnly, find(&FileView::findNext, true)},
+        {"replace", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Rep&lace..."),
+         Qt::CTRL + Qt::Key_H, AnEditableText, MenuOnly, find(&FileView::openFindBar, true)},
         separator("menu_edit"),
         {"go_to_line", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Go to Line..."),
          Qt::CTRL + Qt::Key_G, AText, MenuOnly, &MainWindow::goToLine},
         {"next_message", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Ne&xt Message"),
          Qt::Key_F8, AProject, MenuOnly, &MainWindow::nextMessage},
         {"previous_message", "menu_edit",
-         QT_TRANSLATE_NOOP("Studio::WindowAction", "&Previous Message"),
+         QT_TRANSLATE_NOOP("Studio::WindowAction", "Previous &Message"),
          Qt::SHIFT + Qt::Key_F8, AProject, MenuOnly, &MainWindow::previousMessage},
         separator("menu_edit"),
         {"settings", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Settings..."),

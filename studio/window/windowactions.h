@@ -13,7 +13,19 @@ class MainWindow;
 /// are made.
 struct WindowAction
 {
-    enum Need { Nothing, AProject, AFile, AText };
+    enum Need {
+        Nothing,
+        AProject,
+        AText,
+        AnEditableText,
+        ToUndo,
+        ToRedo,
+        ToCut,
+        ToCopy,
+        ToPaste,
+        ToSelect,
+        NeedCount
+    };
     enum Place { MenuOnly, OnToolBar };
 
     const char *key;  ///< also the name of its icon

@@ -9,20 +9,22 @@
 /// A game of the Lantern engine with one open and one closed project and without any message.
 namespace SmallGame {
 
+/// Its main files have the line ends with which they are saved.
 inline QMap<QString, QByteArray> files()
 {
     return {
         {QStringLiteral("game.lantern"),
-         "[game]\nname = Small\n[projects]\nopen = hero/hero.lantern\nclosed = "
-         "wolf/wolf.lantern\n"},
+         "[game]\r\nname = Small\r\n[projects]\r\nopen = hero/hero.lantern\r\n"
+         "closed = wolf/wolf.lantern\r\n"},
         {QStringLiteral("hero/hero.lantern"),
-         "[project]\nname = Hero\nkind = character\n[files]\nsprites = sprites/idle.png\n"
-         "scripts = hero.script\n"},
+         "[project]\r\nname = Hero\r\nkind = character\r\n[files]\r\n"
+         "sprites = sprites/idle.png\r\nscripts = hero.script\r\n"},
         {QStringLiteral("hero/hero.script"), "wait 1\r\nwait 2\r\n"},
         {QStringLiteral("hero/sprites/idle.png"), QByteArray("\x89PNG\r\n\0\xff raw", 12)},
         {QStringLiteral("wolf/wolf.lantern"),
-         "[project]\nname = Wolf\nkind = character\n[files]\nanimations = run.motion\n"},
-        {QStringLiteral("wolf/run.motion"), "run\n"},
+         "[project]\r\nname = Wolf\r\nkind = character\r\n[files]\r\n"
+         "animations = run.motion\r\n"},
+        {QStringLiteral("wolf/run.motion"), "# it stands still\r\n"},
     };
 }
 

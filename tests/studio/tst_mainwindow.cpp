@@ -2,7 +2,7 @@
 #include "studio/windowfixture.h"
 
 #include "frame/controldescriptor.h"
-#include "studio/window/textpreview.h"
+#include "studio/window/textview.h"
 #include "support/limits_unix.h"
 
 #include <QDropEvent>
@@ -146,7 +146,7 @@ void TestMainWindow::projectIsOpenedAndClosed()
     QCOMPARE(f->window->currentPath(), QStringLiteral("game.lantern"));
     QCOMPARE(f->host->parentProjectCount(), 1U);
     QCOMPARE(f->window->recentProjects().paths(), QStringList(f->meadow()));
-    const auto *text = f->find<TextPreview>("textPreview");
+    const auto *text = f->find<TextView>("textView");
     QCOMPARE(text->toPlainText().toUtf8(), onDisk(QStringLiteral("game.lantern")));
     QVERIFY(f->clickFile(QString::fromUtf8("mill/bilder/Mühle.png")));
 
@@ -189,7 +189,7 @@ void TestMainWindow::changedFileIsMarkedUntilItIsSaved()
     const QModelIndex row = dock->model().indexOf(rowan);
     QCOMPARE(row.data().toString(), QString(QStringLiteral("rowan.lantern \u25CF")));
     // The view shows what is not saved yet.
-    const auto *text = f->find<TextPreview>("textPreview");
+    const auto *text = f->find<TextView>("textView");
     QTRY_VERIFY(text->toPlainText().contains(QLatin1String("Nobody")));
     QCOMPARE(onDisk(rowan), before);
 
@@ -281,7 +281,7 @@ void TestMainWindow::backupIsRestoredOnlyWhenConfirmed()
     dialogs.answer(QMessageBox::Yes);
     f->trigger("restore");
     QCOMPARE(onDisk(rowan), before);
-    const auto *text = f->find<TextPreview>("textPreview");
+    const auto *text = f->find<TextView>("textView");
     QTRY_COMPARE(text->toPlainText().toUtf8(), before);
     QVERIFY(!f->window->isWindowModified());
 }
@@ -349,7 +349,7 @@ void TestMainWindow::messageLeadsToItsLine()
     QCOMPARE(dock->windowTitle(), QStringLiteral("Messages (1)"));
     WindowFixture::doubleClick(dock->view(), dock->view()->model()->index(0, 0));
     QCOMPARE(f->window->currentPath(), rowan);
-    const auto *text = f->find<TextPreview>("textPreview");
+    const auto *text = f->find<TextView>("textView");
     QCOMPARE(text->textCursor().blockNumber(), line);
 
     auto *errors = f->find<QToolButton>("message_error");
@@ -391,7 +391,7 @@ void TestMainWindow::fileChangedOutsideIsAskedAbout()
             0);
     QTRY_COMPARE(dialogs.dialogs.size(), 1);
     QCOMPARE(dialogs.dialogs.first().title, QStringLiteral("File modified"));
-    const auto *text = f->find<TextPreview>("textPreview");
+    const auto *text = f->find<TextView>("textView");
     if (reads)
         QTRY_COMPARE(text->toPlainText().toUtf8(), other);
     else
@@ -424,7 +424,7 @@ void TestMainWindow::unsavedFileChangedOutsideIsAskedAboutTwice()
     QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lantern"), other));
     QTRY_COMPARE(dialogs.dialogs.size(), 2);
     QCOMPARE(dialogs.dialogs.last().defaultButton, QMessageBox::No);
-    const auto *text = f->find<TextPreview>("textPreview");
+    const auto *text = f->find<TextView>("textView");
     QTRY_COMPARE(text->toPlainText().contains(QLatin1String("Nobody")), kept);
     QTRY_COMPARE(f->window->isWindowModified(), kept);
     const QModelIndex row = f->find<ProjectDock>("projectDock")->model().indexOf(rowan);

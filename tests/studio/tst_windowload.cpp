@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "studio/windowfixture.h"
 
+#include "studio/window/structuredock.h"
+#include "studio/window/textview.h"
+
 #include <QElapsedTimer>
 #include <QProgressBar>
 
@@ -11,6 +14,7 @@ using namespace Studio;
 namespace {
 
 constexpr int FileCount = 5000;
+constexpr int AnimationCount = 10000;
 constexpr qint64 LongestSilence = 100; // ms
 constexpr int Rounds = 4;
 
@@ -66,6 +70,7 @@ class TestWindowLoad : public QObject
 private Q_SLOTS:
     void largeProjectLeavesTheWindowAwake_data();
     void largeProjectLeavesTheWindowAwake();
+    void typingInALargeTextLeavesTheWindowAwake();
 
 private:
     qint64 longestSilence(int projects);
@@ -124,6 +129,37 @@ qint64 TestWindowLoad::longestSilence(int projects)
         return fail("a file cannot be chosen");
     QCoreApplication::processEvents();
     return heart.longest;
+}
+
+// The tree and the messages, of which there is one in each animation, follow each key.
+void TestWindowLoad::typingInALargeTextLeavesTheWindowAwake()
+{
+    WindowFixture f;
+    QByteArray lines;
+    for (int i = 0; i < AnimationCount; ++i)
+        lines += "[animation a" + QByteArray::number(i) + "]\nframe idle : 8\nbanana\n";
+    QVERIFY(SmallGame::writeFile(f.inMeadow("rowan/rowan.motion"), lines));
+    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+    QVERIFY(f.window->openProject(f.meadow()));
+    QVERIFY(f.clickFile(QStringLiteral("rowan/rowan.motion")));
+    const QAbstractItemModel *messages = f.find<QTreeView>("messages")->model();
+    QTRY_VERIFY_WITH_TIMEOUT(messages->rowCount() >= AnimationCount, 60000);
+    f.find<StructureDock>("structureDock")->raise();
+    auto *text = f.find<TextView>("textView");
+    text->goTo(lines.count('\n') / 2, 0);
+    QCoreApplication::processEvents();
+
+    qint64 silence = std::numeric_limits<qint64>::max();
+    for (int round = 0; round < Rounds && silence > LongestSilence; ++round) {
+        Heartbeat heart;
+        for (int key = 0; key < 40; ++key) {
+            QTest::keyClick(text, key % 8 == 7 ? Qt::Key_Return : Qt::Key_X);
+            QTest::qWait(20);
+        }
+        qInfo("The longest silence was %lld ms.", heart.longest);
+        silence = qMin(silence, heart.longest);
+    }
+    QVERIFY2(silence <= LongestSilence, qPrintable(QString::number(silence)));
 }
 
 QTEST_MAIN(TestWindowLoad)

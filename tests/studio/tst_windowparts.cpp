@@ -21,6 +21,12 @@
 
 using namespace Studio;
 
+namespace {
+
+const QString rowanPath = QStringLiteral("rowan/rowan.lantern");
+
+} // namespace
+
 class TestWindowParts : public QObject
 {
     Q_OBJECT
@@ -61,9 +67,7 @@ void TestWindowParts::cleanup()
 
 Vela::ProjectFile *TestWindowParts::openRowan()
 {
-    return f->window->openProject(f->meadow())
-        ? f->window->files().file(QStringLiteral("rowan/rowan.lantern"))
-        : nullptr;
+    return f->window->openProject(f->meadow()) ? f->window->files().file(rowanPath) : nullptr;
 }
 
 void TestWindowParts::modelsKeepTheirPromises()
@@ -73,14 +77,19 @@ void TestWindowParts::modelsKeepTheirPromises()
     const QAbstractItemModelTester messages(f->find<QTreeView>("messages")->model(), mode);
     const QAbstractItemModelTester properties(f->find<QTreeView>("properties")->model(), mode);
     QVERIFY(openRowan());
-    QVERIFY(f->clickFile(QStringLiteral("rowan/rowan.lantern")));
+    QVERIFY(f->clickFile(rowanPath));
     f->window->commands().openClosedProject(
         closedProjects(*f->window->commands().session()->parent()).value(0));
-    QVERIFY(f->typeProperty(QStringLiteral("project.kind"), QStringLiteral("banana")));
-    QTRY_COMPARE(f->find<QTreeView>("messages")->model()->rowCount(), 1);
+    // A line in error is no property.
+    const int before = f->find<QTreeView>("properties")->model()->rowCount();
+    f->typeProperty(QStringLiteral("project.kind"), QStringLiteral("banana"));
+    QCOMPARE(f->find<QTreeView>("properties")->model()->rowCount(), before - 1);
+    const QAbstractItemModel *shown = f->find<QTreeView>("messages")->model();
+    QTRY_COMPARE(shown->match(shown->index(0, 1), Qt::DisplayRole, rowanPath).size(), 1);
     f->trigger("undo");
-    f->window->commands().closeProject(QStringLiteral("rowan/rowan.lantern"));
-    QTRY_VERIFY(!f->window->files().file(QStringLiteral("rowan/rowan.lantern")));
+    QTRY_COMPARE(shown->match(shown->index(0, 1), Qt::DisplayRole, rowanPath).size(), 0);
+    f->window->commands().closeProject(rowanPath);
+    QTRY_VERIFY(!f->window->files().file(rowanPath));
     QVERIFY(f->window->commands().close());
 }
 
@@ -180,7 +189,7 @@ void TestWindowParts::contentIsWhatTheOpenFileHolds()
     Vela::ProjectFile *rowan = openRowan();
     QVERIFY(rowan);
     const QString before = FileContent::of(*rowan).text;
-    QVERIFY(f->clickFile(QStringLiteral("rowan/rowan.lantern")));
+    QVERIFY(f->clickFile(rowanPath));
     QVERIFY(f->typeProperty(QStringLiteral("project.author"), QStringLiteral("Somebody")));
     QVERIFY(FileContent::of(*rowan).text.contains(QLatin1String("author = Somebody")));
     QVERIFY(rowan->isModified());
@@ -245,7 +254,7 @@ void TestWindowParts::shortcutConflictIsShown()
 void TestWindowParts::colorIsChosenAndGivenBack()
 {
     QVERIFY(openRowan());
-    const auto *text = f->find<QPlainTextEdit>("textPreview");
+    const auto *text = f->find<QPlainTextEdit>("textView");
     const QColor standard = text->palette().color(QPalette::Base);
     SettingsDialog dialog(*f->host, nullptr);
     dialog.show();
@@ -276,8 +285,10 @@ void TestWindowParts::everyControlHasAName()
         for (QWidget *widget : widgets) {
             const auto *face = QAccessible::queryAccessibleInterface(widget);
             // What is part of another control has the name of that.
+            // Qt keeps a bar without tabs for the next panels that are put together.
+            const auto *tabs = qobject_cast<const QTabBar *>(widget);
             if (widget->window() == &window && (widget->focusPolicy() & Qt::TabFocus)
-                && !widget->focusProxy() && face
+                && !(tabs && tabs->count() == 0) && !widget->focusProxy() && face
                 && !widget->objectName().startsWith(QLatin1String("qt_"))
                 && face->text(QAccessible::Name).isEmpty())
                 found.append(QLatin1String(widget->metaObject()->className()) + QLatin1Char(' ')
