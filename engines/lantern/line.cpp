@@ -63,12 +63,6 @@ int skipBlanks(QStringView text, int column)
     return column;
 }
 
-int columnOfNul(const QString &text)
-{
-    const auto nul = std::find(text.begin(), text.end(), QChar(0));
-    return nul == text.end() ? -1 : int(nul - text.begin());
-}
-
 int trimmedEnd(QStringView text, int start, int end)
 {
     while (end > start && isBlank(text[end - 1]))
@@ -126,7 +120,7 @@ QString withoutQuotes(QStringView quotedText)
 Line::Line(const QString &text)
     : m_text(text)
     , m_commentStart(text.size())
-    , m_nul(columnOfNul(text))
+    , m_nul(text.indexOf(QChar(0)))
 {
     m_codeStart = skipBlanks(m_text, 0);
     if (m_codeStart == m_text.size())

@@ -19,7 +19,8 @@ AnimationCode::AnimationCode(const QTextBlock &block, CodeNode *previous)
 
 AnimationCode::~AnimationCode()
 {
-    if (CodeNode *const above = CodeNode::previous(Animation, Group)) {
+    CodeNode *const above = nearestAbove(Group | Animation);
+    if (above && above->type() == Animation) {
         auto *const heir = static_cast<ParentCode *>(above);
         for (FrameCode *frame : frames())
             heir->insertChild(frame, heir->childCount());

@@ -7,8 +7,11 @@
 #include "project/parentproject.h"
 #include "project/project.h"
 
-#include <QMap>
 #include <QSet>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
 
 namespace Vela {
 
@@ -21,35 +24,31 @@ struct Header
     quint64 isFree : 1;
 };
 
+/// Blocks of memory for nodes, cut from slabs: on the heap they would lie between blocks that are
+/// given back, and break up the room that those leave.
 class NodePool
 {
 public:
     NodePool() = default;
 
-    ~NodePool()
-    {
-        for (const QList<Header *> &blocks : qAsConst(m_free)) {
-            for (Header *block : blocks)
-                ::operator delete(block);
-        }
-    }
-
     Header *take(size_t size)
     {
-        const auto blocks = m_free.find(size);
-        if (blocks != m_free.end() && !blocks->isEmpty()) {
-            Header *const block = blocks->takeLast();
+        Header *&free = firstFree(size);
+        if (Header *const block = free) {
+            free = *nextOf(block);
             block->isFree = false;
             return block;
         }
         m_heapBytes += size;
-        return new (::operator new(size)) Header{size, false};
+        return new (cut(size)) Header{size, false};
     }
 
     void give(Header *block)
     {
+        Header *&free = firstFree(block->size);
         block->isFree = true;
-        m_free[block->size].append(block);
+        new (nextOf(block)) Header *(free);
+        free = block;
     }
 
     /// A root is not made of a block, and has no header.
@@ -76,7 +75,40 @@ public:
 private:
     Q_DISABLE_COPY(NodePool)
 
-    QMap<size_t, QList<Header *>> m_free; ///< free blocks by their size
+    /// Returns the first free block of a size. Sizes are multiples of that of a pointer, as each
+    /// node has some.
+    Header *&firstFree(size_t size)
+    {
+        const size_t index = size / sizeof(void *);
+        if (index >= m_free.size())
+            m_free.resize(index + 1);
+        return m_free[index];
+    }
+
+    /// Returns where a free block, in the place of the node, has the address of the next one.
+    static Header **nextOf(Header *block)
+    {
+        return reinterpret_cast<Header **>(block + 1);
+    }
+
+    void *cut(size_t size)
+    {
+        if (size > m_room) {
+            m_room = std::max(slabSize, size);
+            m_slabs.emplace_back(new char[m_room]);
+            m_end = m_slabs.back().get() + m_room;
+        }
+        char *const block = m_end - m_room;
+        m_room -= size;
+        return block;
+    }
+
+    static constexpr size_t slabSize = 1 << 18;
+
+    std::vector<Header *> m_free; ///< by size
+    std::vector<std::unique_ptr<char[]>> m_slabs;
+    char *m_end = nullptr; ///< of the last slab
+    size_t m_room = 0;     ///< that is left at its end
     QSet<const CodeNode *> m_roots;
     size_t m_heapBytes = 0;
 };
@@ -86,6 +118,51 @@ NodePool &pool()
     static NodePool pool;
     return pool;
 }
+
+/// The last search up the chain for a node of some types. The next one stops where that one began,
+/// so that headers which go one after the other, from the top, do not each pass all lines above.
+class UpwardSearch
+{
+public:
+    CodeNode *run(CodeNode *node, int types)
+    {
+        if (m_types != types)
+            forget();
+        CodeNode *found = node;
+        while (found && found != m_from && !(found->type() & types))
+            found = found->previous();
+        if (found && found == m_from)
+            found = m_found;
+        m_types = types;
+        m_from = node;
+        m_found = found;
+        return found;
+    }
+
+    void nodeComes(CodeNode::Type type)
+    {
+        if (type & m_types)
+            forget();
+    }
+
+    void nodeGoes(const CodeNode *node)
+    {
+        if (node == m_from || node == m_found)
+            forget();
+    }
+
+    void forget()
+    {
+        m_from = nullptr;
+    }
+
+private:
+    int m_types = 0;
+    const CodeNode *m_from = nullptr; ///< null if nothing is known
+    CodeNode *m_found = nullptr;
+};
+
+UpwardSearch lastSearch;
 
 /// Returns the first node from \a node on, in the direction of \a step, that is of a type.
 template <typename Node, typename Step>
@@ -124,6 +201,7 @@ CodeNode::CodeNode(Type type, const QTextBlock &block, CodeNode *previous)
         pool().addRoot(this);
     if (previous)
         linkBehind(previous);
+    lastSearch.nodeComes(type);
 }
 
 CodeNode::~CodeNode()
@@ -133,6 +211,7 @@ CodeNode::~CodeNode()
     if (m_parent)
         m_parent->removeChild(this);
     unlink();
+    lastSearch.nodeGoes(this);
 }
 
 void *CodeNode::allocate(size_t size)
@@ -185,6 +264,16 @@ CodeNode *CodeNode::next(Type type, int stop) const
 CodeNode *CodeNode::previous(Type type, int stop) const
 {
     return find(m_previous, type, stop, [](CodeNode *node) { return node->previous(); });
+}
+
+CodeNode *CodeNode::nearestAbove(int types) const
+{
+    return lastSearch.run(m_previous, types);
+}
+
+void CodeNode::forgetSearch()
+{
+    lastSearch.forget();
 }
 
 CodeNode *CodeNode::parent(Type type, int stop) const

@@ -103,6 +103,10 @@ protected:
     /// Returns the number of bytes that nodes have ever taken from the heap.
     static size_t heapBytes();
 
+    /// Returns the nearest node before this one of any of \a types, or null. Fast for nodes that
+    /// ask one after the other from the top to the bottom, as headers do that go.
+    CodeNode *nearestAbove(int types) const;
+
     /// Puts \a newCode in the place of what the node's line says, with as few changed characters as
     /// it takes. The comment behind the old text stays, and with the document's option
     /// "preserve_code_formatting" the blanks between its words as well. Does nothing without a
@@ -118,6 +122,8 @@ private:
     /// \a previous.
     void unlink();
     void linkBehind(CodeNode *previous);
+    /// To be called when nodes went while others were out of the chain.
+    static void forgetSearch();
 
     QTextBlock m_block;
     ParentCode *m_parent = nullptr;

@@ -31,7 +31,8 @@ GroupCode::GroupCode(const QTextBlock &block, CodeNode *previous, unsigned int s
 
 GroupCode::~GroupCode()
 {
-    if (CodeNode *const above = CodeNode::previous(Group, Animation | Frame)) {
+    CodeNode *const above = nearestAbove(Group | Animation | Frame);
+    if (above && above->type() == Group) {
         auto *const heir = static_cast<ParentCode *>(above);
         for (ValueCode *value : values())
             heir->insertChild(value, heir->childCount());

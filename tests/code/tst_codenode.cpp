@@ -174,6 +174,8 @@ private Q_SLOTS:
     void joining();
     void leaving_data();
     void leaving();
+    void headersLeaveOneAfterTheOther_data();
+    void headersLeaveOneAfterTheOther();
     void removesWithoutADocument();
     void groupFindsItsValues();
     void childListKeepsItsOrder();
@@ -316,6 +318,36 @@ void tst_CodeNode::leaving()
     QTEST(tree.chain(), "chain");
     tree.destroy();
     QCOMPARE(tree.rowCount(), 0);
+}
+
+void tst_CodeNode::headersLeaveOneAfterTheOther_data()
+{
+    // A step releases a node, or makes one behind another: "-B", "X>a".
+    QTest::addColumn<QString>("steps");
+    QTest::addColumn<QString>("outline");
+    QTest::newRow("downwards") << text("-B -C -D") << text("A(a b c d)");
+    QTest::newRow("upwards") << text("-D -C -B") << text("A(a b c d)");
+    QTest::newRow("an animation comes between") << text("-B @m>A -C") << text("A(a b) m D(d)");
+    QTest::newRow("a frame comes between") << text("-B #f>A -C") << text("A(a b) D(d)");
+    QTest::newRow("a group comes between") << text("-B X>A -C") << text("A X(a b c) D(d)");
+    QTest::newRow("the line above goes") << text("-B -a -C") << text("A(b c) D(d)");
+    QTest::newRow("the line above is made anew") << text("-B -a a>A -C") << text("A(a b c) D(d)");
+    QTest::newRow("the heir goes") << text("-B -A -C") << text("D(d)");
+    QTest::newRow("the heir is made anew") << text("-B -A X> -C") << text("X(a b c) D(d)");
+}
+
+void tst_CodeNode::headersLeaveOneAfterTheOther()
+{
+    QFETCH(QString, steps);
+    Tree tree(text("A a B b C c D d"));
+    for (const QString &step : steps.split(QLatin1Char(' '))) {
+        const QStringList parts = step.split(QLatin1Char('>'));
+        if (parts.size() > 1)
+            Tree::make(parts.at(0), tree.node(parts.at(1)));
+        else
+            tree.node(step.mid(1))->release();
+    }
+    QTEST(Tree::outline(&tree), "outline");
 }
 
 void tst_CodeNode::removesWithoutADocument()
