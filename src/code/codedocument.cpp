@@ -7,14 +7,16 @@
 #include "code/codemark.h"
 #include "code/codenodefile.h"
 #include "code/valuecode.h"
+#include "engine/engine.h"
 #include "frame/archive.h"
 #include "frame/interface.h"
 #include "frame/jobstats.h"
+#include "project/parentproject.h"
+#include "project/project.h"
 
 #include <QFileInfo>
 #include <QFont>
 
-Q_DECLARE_METATYPE(Vela::Archive *)
 Q_DECLARE_METATYPE(Vela::JobStats *)
 
 namespace Vela {
@@ -319,6 +321,14 @@ void CodeDocument::endChange()
 bool CodeDocument::isCodeBeingChanged() const
 {
     return d->changeDepth > 0;
+}
+
+QString CodeDocument::commentString() const
+{
+    const Project *const owner = project();
+    const ParentProject *const parent = owner ? owner->parent() : nullptr;
+    const Engine *const engine = parent ? parent->engine() : nullptr;
+    return engine ? engine->queryString(Engine::CommentString, 0) : QString();
 }
 
 RootCode *CodeDocument::root() const

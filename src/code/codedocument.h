@@ -113,6 +113,9 @@ public:
     /// The same in front of the node; at the start of the text for null.
     void insertBefore(const CodeNode *node, const QString &code, bool single);
     bool isCodeBeingChanged() const;
+    /// Returns what begins a comment, as the engine of the document's project has it; empty without
+    /// one.
+    QString commentString() const;
 
     // The tree.
     RootCode *root() const;

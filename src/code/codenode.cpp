@@ -3,9 +3,6 @@
 
 #include "code/codedocument.h"
 #include "code/coderewrite.h"
-#include "engine/engine.h"
-#include "project/parentproject.h"
-#include "project/project.h"
 
 #include <QSet>
 
@@ -181,14 +178,6 @@ int behind(const QTextBlock &block)
 {
     const QTextBlock below = block.next();
     return below.isValid() ? below.position() : block.position() + block.length() - 1;
-}
-
-QString commentString(const CodeDocument *document)
-{
-    const Project *const project = document->project();
-    const ParentProject *const parent = project ? project->parent() : nullptr;
-    const Engine *const engine = parent ? parent->engine() : nullptr;
-    return engine ? engine->queryString(Engine::CommentString, 0) : QString();
 }
 
 } // namespace
@@ -373,7 +362,7 @@ void CodeNode::change(const QString &newCode)
     const QString oldLine = m_block.text();
     const bool keepBlanks = text->option(QStringLiteral("preserve_code_formatting")).toBool();
     const TextDifference difference =
-        textDifference(oldLine, rewrittenLine(oldLine, newCode, commentString(text), keepBlanks));
+        textDifference(oldLine, rewrittenLine(oldLine, newCode, text->commentString(), keepBlanks));
     if (difference.isEmpty())
         return;
     const int position = m_block.position() + difference.position;

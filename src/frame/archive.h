@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QIODevice>
+#include <QMetaType>
 #include <QStringList>
 
 namespace Vela {
@@ -73,3 +74,5 @@ private:
 };
 
 } // namespace Vela
+
+Q_DECLARE_METATYPE(Vela::Archive *)
