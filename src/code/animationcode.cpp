@@ -76,7 +76,7 @@ void AnimationCode::insertChild(CodeNode *child, unsigned int row)
 
 void AnimationCode::removeChild(CodeNode *child)
 {
-    setParent(child, nullptr);
+    ParentCode::removeChild(child);
     const int row = m_frames.indexOf(child);
     if (row < 0)
         return;

@@ -77,9 +77,10 @@ private:
     void moveGap(int row)
     {
         const auto begin = m_items.begin();
-        if (row < m_gap)
+        // To move a range onto itself is not defined.
+        if (m_gapSize > 0 && row < m_gap)
             std::move_backward(begin + row, begin + m_gap, begin + m_gap + m_gapSize);
-        else
+        else if (m_gapSize > 0)
             std::move(begin + m_gap + m_gapSize, begin + row + m_gapSize, begin + m_gap);
         m_gap = row;
     }

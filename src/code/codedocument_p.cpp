@@ -98,7 +98,7 @@ void CodeDocumentPrivate::addParenthesis(bool opening, QChar character, int posi
 
 void CodeDocumentPrivate::addLink(CodeLink *link)
 {
-    if (!currentData) {
+    if (!currentData || !link) {
         delete link;
         return;
     }
@@ -122,6 +122,7 @@ void CodeDocumentPrivate::forgetBlock(CodeBlockData *data)
 {
     removeReports(data);
     searchedLine = nullptr;
+    linesGone = true;
     // A pass that loses lines knows nothing of its place any more; another one follows it.
     if (inReformat)
         rehighlightPending = true;

@@ -143,6 +143,7 @@ public:
     CodeDocumentRoot root;
     CodeParser *parser = nullptr;
     CodeBlockData *currentData = nullptr; ///< of the line being parsed
+    bool linesGone = false;               ///< whether lines went away since its parsing began
     QString givenText;                    ///< what setPlainText() is called with; null else
     // The last search for the node above a line, kept until a line goes.
     const CodeBlockData *searchedLine = nullptr;

@@ -265,7 +265,7 @@ bool CodeDocumentPrivate::runPassAskedFor()
     return true;
 }
 
-// Returns false if the line went away while it was parsed.
+// Returns false if lines went away while this one was parsed: the pass has lost its place then.
 bool CodeDocumentPrivate::highlightBlock(Pass &pass, CodeParserSyntax *syntax)
 {
     currentData = CodeBlockData::testBlockData(pass.block);
@@ -277,9 +277,8 @@ bool CodeDocumentPrivate::highlightBlock(Pass &pass, CodeParserSyntax *syntax)
         removeReports(currentData);
     pass.block.setUserState(0);
 
-    pass.previous = lastOfLine(pass.previous);
     pass.previous = parseBlock(pass.lineText(), pass.block, pass.previous, syntax);
-    if (!currentData) {
+    if (linesGone) {
         pendingMessages.clear();
         return false;
     }
@@ -293,16 +292,26 @@ bool CodeDocumentPrivate::highlightBlock(Pass &pass, CodeParserSyntax *syntax)
 }
 
 // Takes the line's old node out of the chain while the parser runs. Returns the node that the next
-// line's goes behind.
+// line's goes behind, unless lines went away.
 CodeNode *CodeDocumentPrivate::parseBlock(const QString &line, const QTextBlock &block,
                                           CodeNode *previous, CodeParserSyntax *syntax)
 {
+    previous = lastOfLine(previous);
     CodeNode *const old = std::exchange(currentData->m_codeNode, nullptr);
     if (old)
         old->unlink();
-    if (!previous || previous == old)
+    if (previous == old)
         previous = &root;
+    linesGone = false;
     CodeNode *const node = parser->parseLine(line, block, old, previous, &root, syntax);
+    if (linesGone) {
+        // The node above may have gone with its line.
+        previous = &root;
+        if (currentData)
+            findPrevious(block, previous);
+        searchedLine = nullptr;
+        CodeNode::forgetSearch();
+    }
     if (old) {
         old->linkBehind(previous);
         if (old != node)
@@ -358,7 +367,7 @@ void CodeDocumentPrivate::parseInChange(const QTextBlock &first, const QTextBloc
     for (QTextBlock block = first; block.isValid() && block != end; block = block.next()) {
         currentData = CodeBlockData::blockData(block, this);
         previous = parseBlock(block.text(), block, previous, nullptr);
-        if (!currentData || isPassAskedFor())
+        if (linesGone || isPassAskedFor())
             break;
     }
     currentData = nullptr;

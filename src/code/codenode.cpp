@@ -308,7 +308,10 @@ QTextCursor CodeNode::select() const
 QTextCursor CodeNode::selectAll() const
 {
     const CodeDocument *const text = document();
-    const QTextBlock first = text ? text->findBlockByNumber(firstLine()) : QTextBlock();
+    QTextBlock first = text ? text->findBlockByNumber(firstLine()) : QTextBlock();
+    // A node with a line is never without a cursor: remove() would release it under its line.
+    if (text && !first.isValid())
+        first = m_block;
     if (!first.isValid())
         return QTextCursor();
     const QTextBlock last = text->findBlockByNumber(lastLine());
@@ -345,7 +348,9 @@ void CodeNode::valueChanged(const QVariant &)
     if (!m_parent)
         return;
     m_parent->childChanged(this);
-    changed(m_parent, m_parent->childIndex(this), 0);
+    // Who hears of it may edit the text, and so take the parent away.
+    if (m_parent)
+        changed(m_parent, m_parent->childIndex(this), 0);
 }
 
 void CodeNode::changed(const ParentCode *parent, int row, int role)
@@ -372,6 +377,22 @@ void CodeNode::change(const QString &newCode)
     text->insertOnCursor(difference.inserted, cursor);
 }
 
+// The lists of the classes below have given their children away. What is left are nodes that are
+// linked without a row; they stand near this one, on either side.
+ParentCode::~ParentCode()
+{
+    CodeNode *above = previous();
+    CodeNode *below = next();
+    while (m_linkedCount > 0 && (above || below)) {
+        if (above && above->parent() == this)
+            setParent(above, nullptr);
+        if (below && below->parent() == this)
+            setParent(below, nullptr);
+        above = above ? above->previous() : nullptr;
+        below = below ? below->next() : nullptr;
+    }
+}
+
 unsigned int ParentCode::childCount() const
 {
     return 0;
@@ -396,7 +417,8 @@ void ParentCode::insertChild(CodeNode *child, unsigned int)
 
 void ParentCode::removeChild(CodeNode *child)
 {
-    setParent(child, nullptr);
+    if (child->parent() == this)
+        setParent(child, nullptr);
 }
 
 void ParentCode::childChanged(CodeNode *)
@@ -453,6 +475,10 @@ void ParentCode::insertRootChild(CodeNode *node)
 
 void ParentCode::setParent(CodeNode *child, ParentCode *parent)
 {
+    if (child->m_parent)
+        --child->m_parent->m_linkedCount;
+    if (parent)
+        ++parent->m_linkedCount;
     child->m_parent = parent;
 }
 

@@ -137,6 +137,9 @@ private:
 class VELA_EXPORT ParentCode : public CodeNode
 {
 public:
+    /// Leaves children that it is still the parent of without one.
+    ~ParentCode() override;
+
     virtual unsigned int childCount() const;
     /// Returns the row of a child, or -1.
     virtual int childIndex(CodeNode *child) const;
@@ -144,6 +147,7 @@ public:
     virtual CodeNode *childAt(unsigned int row) const;
     /// Makes \a child a child of this node, taken from the parent that it had.
     virtual void insertChild(CodeNode *child, unsigned int row);
+    /// Leaves \a child without a parent; does nothing with a child of another one.
     virtual void removeChild(CodeNode *child);
     /// Called when the value of a child has changed.
     virtual void childChanged(CodeNode *child);
@@ -162,6 +166,9 @@ protected:
     /// Makes \a node a child of the root, behind the nearest node before it that is one.
     void insertRootChild(CodeNode *node);
     static void setParent(CodeNode *child, ParentCode *parent);
+
+private:
+    unsigned int m_linkedCount = 0; ///< nodes whose parent this is, with a row or without
 };
 
 } // namespace Vela

@@ -76,9 +76,9 @@ void GroupCode::insertChild(CodeNode *child, unsigned int row)
         ParentCode::insertChild(child, row);
         return;
     }
-    // Within the list the rows must not change while the bracket is open.
-    if (child->parent() == this)
-        GroupCode::removeChild(child);
+    // Neither rows here nor the row of this group may change while the bracket is open.
+    if (child->parent() == this || (child->parent() && child->parent() == parent()))
+        child->parent()->removeChild(child);
     const int index = int(qMin(row, valueCount()));
     beginInsert(this, index);
     if (child->parent())
@@ -90,7 +90,7 @@ void GroupCode::insertChild(CodeNode *child, unsigned int row)
 
 void GroupCode::removeChild(CodeNode *child)
 {
-    setParent(child, nullptr);
+    ParentCode::removeChild(child);
     const int row = m_values.indexOf(child);
     if (row < 0)
         return;

@@ -67,7 +67,7 @@ void RootCode::insertChild(CodeNode *child, unsigned int row)
 
 void RootCode::removeChild(CodeNode *child)
 {
-    ParentCode::setParent(child, nullptr);
+    ParentCode::removeChild(child);
     const int row = m_childs.indexOf(child);
     if (row < 0)
         return;
@@ -78,17 +78,25 @@ void RootCode::removeChild(CodeNode *child)
 
 void RootCode::beginInsert(const ParentCode *parent, int row)
 {
-    beginInsertRows(parentIndex(parent), row, row);
+    const QModelIndex index = parentIndex(parent);
+    m_brackets.append(isShown(parent, index));
+    if (m_brackets.last())
+        beginInsertRows(index, row, row);
 }
 
 void RootCode::endInsert()
 {
-    endInsertRows();
+    if (closeBracket())
+        endInsertRows();
 }
 
 void RootCode::beginRemove(const ParentCode *parent, int row)
 {
-    s_lastParent = parentIndex(parent);
+    const QModelIndex index = parentIndex(parent);
+    m_brackets.append(isShown(parent, index));
+    if (!m_brackets.last())
+        return;
+    s_lastParent = index;
     m_leaving = parent->childAt(unsigned(row));
     m_leavingFrom = parent;
     beginRemoveRows(s_lastParent, row, row);
@@ -96,16 +104,31 @@ void RootCode::beginRemove(const ParentCode *parent, int row)
 
 void RootCode::endRemove()
 {
+    if (!closeBracket())
+        return;
     m_leaving = nullptr;
     m_leavingFrom = nullptr;
     endRemoveRows();
 }
 
+// Returns whether views know of the change whose bracket closes.
+bool RootCode::closeBracket()
+{
+    return !m_brackets.isEmpty() && m_brackets.takeLast();
+}
+
 void RootCode::changed(const ParentCode *parent, int row, int role)
 {
-    const QModelIndex changedIndex = index(row, 0, parentIndex(parent));
+    const QModelIndex above = parentIndex(parent);
+    const QModelIndex changedIndex = isShown(parent, above) ? index(row, 0, above) : QModelIndex();
     if (changedIndex.isValid())
         Q_EMIT dataChanged(changedIndex, changedIndex, {role});
+}
+
+// A node that is linked to its parent without a row is not shown, nor is what is below it.
+bool RootCode::isShown(const ParentCode *parent, const QModelIndex &index) const
+{
+    return parent == this || index.isValid();
 }
 
 QModelIndex RootCode::parentIndex(const ParentCode *parent) const
@@ -115,7 +138,10 @@ QModelIndex RootCode::parentIndex(const ParentCode *parent) const
     const ParentCode *const above = parent->parent();
     if (!above)
         return QModelIndex();
-    return index(above->childIndex(const_cast<ParentCode *>(parent)), 0, parentIndex(above));
+    const QModelIndex aboveIndex = parentIndex(above);
+    if (!isShown(above, aboveIndex))
+        return QModelIndex();
+    return index(above->childIndex(const_cast<ParentCode *>(parent)), 0, aboveIndex);
 }
 
 const ParentCode *RootCode::parentAt(const QModelIndex &index) const

@@ -5,6 +5,8 @@
 #include "code/codenode.h"
 #include "frame/treemodel.h"
 
+#include <QVector>
+
 namespace Vela {
 
 /// The head of a chain of nodes and the root of their tree, which it shows as an item model with
@@ -60,17 +62,20 @@ Q_SIGNALS:
 protected:
     /// Releases all nodes of the chain, from the last to the first.
     void destroy();
-    /// Returns the index of a node of the tree; invalid for the root.
+    /// Returns the index of a node of the tree; invalid for the root, and for a node without a row.
     QModelIndex parentIndex(const ParentCode *parent) const;
 
 private:
     const ParentCode *parentAt(const QModelIndex &index) const;
     const ParentCode *parentOf(const CodeNode *node) const;
+    bool isShown(const ParentCode *parent, const QModelIndex &index) const;
+    bool closeBracket();
     static QString frameText(CodeNode *frame);
 
     ChildList<CodeNode> m_childs;
     unsigned int m_version = 0;
     int m_fileType;
+    QVector<bool> m_brackets; ///< whether the open begin…() are shown to views
     // The row being removed keeps its place in the model till the end, but has no parent any more.
     const CodeNode *m_leaving = nullptr;
     const ParentCode *m_leavingFrom = nullptr;

@@ -26,8 +26,7 @@ struct SyntaxMessageLine
 
 /// The lines of a document that have messages in the order of the text: a treap that knows how many
 /// messages each of its parts has, so that entering, leaving, rows and lookups take time in the
-/// logarithm of the number of lines. The lines belong to their
-/// CodeBlockData.
+/// logarithm of the number of lines. The lines belong to their CodeBlockData.
 ///
 /// Treap: C. R. Aragon and R. Seidel, "Randomized search trees", FOCS 1989.
 class SyntaxMessageIndex

@@ -125,6 +125,28 @@ public:
     char room[4096] = {};
 };
 
+/// A node that does not know where it begins.
+class LostProbe : public Probe
+{
+public:
+    using Probe::Probe;
+    int firstLine() const override
+    {
+        return 99;
+    }
+};
+
+/// A group that lets go of a value that changes.
+class DroppingGroup : public TestGroup
+{
+public:
+    using TestGroup::TestGroup;
+    void childChanged(CodeNode *child) override
+    {
+        removeChild(child);
+    }
+};
+
 /// An engine whose comments begin with a text.
 class CommentEngine : public TestEngine
 {
@@ -181,6 +203,9 @@ private Q_SLOTS:
     void childListKeepsItsOrder();
     void modelShowsTheTree();
     void modelReportsMoves();
+    void linksWithoutARowAreNotShown_data();
+    void linksWithoutARowAreNotShown();
+    void changesMayTakeTheParentAway();
     void staleIndexesAnswerEmpty();
     void rootKeepsItsNumbers();
     void linesOfADocument();
@@ -446,6 +471,64 @@ void tst_CodeNode::modelReportsMoves()
     QCOMPARE(Tree::outline(&tree), text("B(d) A(c b a)"));
     QCOMPARE(QModelIndex(b), tree.indexOf("b"));
     QVERIFY(!d.isValid());
+
+    // From a group into one inside it, which then stands a row higher.
+    CodeNode *const nested = new TestGroup(QTextBlock(), tree.node(text("b")), text("N"), 2, true);
+    const QSignalSpy inserts(&tree, &QAbstractItemModel::rowsInserted);
+    static_cast<ParentCode *>(nested)->insertChild(tree.node(text("c")), 0);
+    QCOMPARE(Tree::outline(&tree), text("B(d) A(b a N(c))"));
+    QCOMPARE(inserts.at(0).at(0).toModelIndex(), tree.indexOf("N"));
+}
+
+void tst_CodeNode::linksWithoutARowAreNotShown_data()
+{
+    QTest::addColumn<QString>("outer");
+    QTest::addColumn<QString>("inner");
+    QTest::newRow("child below") << text("A") << text("B");
+    QTest::newRow("child above") << text("B") << text("A");
+}
+
+// A class that lists values only still is the parent of another node. Views see nothing of that
+// one, and it outlives its parent.
+void tst_CodeNode::linksWithoutARowAreNotShown()
+{
+    QFETCH(QString, outer);
+    QFETCH(QString, inner);
+    Tree tree(text("A a B b"));
+    const QAbstractItemModelTester tester(&tree,
+                                          QAbstractItemModelTester::FailureReportingMode::QtTest);
+    auto *const group = static_cast<TestGroup *>(tree.node(outer));
+    auto *const linked = static_cast<TestGroup *>(tree.node(inner));
+    tree.removeChild(tree.node(outer.toLower()));
+    group->removeChild(tree.node(inner.toLower()));
+    QCOMPARE(Tree::outline(&tree), text("A(a) B(b)"));
+
+    group->GroupCode::insertChild(linked, 0);
+    QVERIFY(linked->parent() == group);
+    const QSignalSpy inserts(&tree, &QAbstractItemModel::rowsInserted);
+    const QSignalSpy removals(&tree, &QAbstractItemModel::rowsRemoved);
+    const QSignalSpy changes(&tree, &QAbstractItemModel::dataChanged);
+    linked->insertChild(tree.node(outer.toLower()), 0);
+    static_cast<TestValue *>(tree.node(inner.toLower()))->update(text("x"), 5);
+    QCOMPARE(Tree::outline(&tree), outer);
+    QCOMPARE(Tree::outline(linked), outer.toLower() + text(" x"));
+    QCOMPARE(removals.size(), 1);
+    QCOMPARE(inserts.size() + changes.size(), 0);
+
+    group->release();
+    QVERIFY(!linked->parent());
+    QCOMPARE(tree.rowCount(), 0);
+}
+
+void tst_CodeNode::changesMayTakeTheParentAway()
+{
+    Tree tree;
+    CodeNode *const group = new DroppingGroup(QTextBlock(), &tree, text("D"), 1, false);
+    auto *const value = static_cast<TestValue *>(Tree::make(text("a"), group));
+    QVERIFY(value->parent() == group);
+    value->update(text("b"), 5);
+    QCOMPARE(value->rawValue(), QVariant(5));
+    QVERIFY(!value->parent());
 }
 
 void tst_CodeNode::staleIndexesAnswerEmpty()
@@ -570,6 +653,14 @@ void tst_CodeNode::removesLines()
     QCOMPARE(document.root()->childCount(), 1u);
     document.undo();
     QCOMPARE(Tree::outline(document.root()), text("A B(c)"));
+
+    // The node of a line is never released behind the back of that line.
+    TestDocument plain(text("a\nb"), false);
+    CodeNode *const lost = new LostProbe(plain.lastBlock(), plain.root());
+    lost->remove(true);
+    QCOMPARE(plain.toString(), text("a\n"));
+    QVERIFY(CodeNode::isValid(lost));
+    lost->release();
 }
 
 void tst_CodeNode::appendsLines()

@@ -181,6 +181,67 @@ public:
     int removals = 0;
 };
 
+/// A value with another one behind it that has no line of its own.
+class TwinValue : public TestValue
+{
+public:
+    TwinValue(const QTextBlock &block, CodeNode *previous)
+        : TestValue(Int, block, previous, block.text(), 0)
+        , m_twin(new TestValue(Int, QTextBlock(), this, block.text() + text("'"), 0))
+    {
+    }
+    ~TwinValue() override
+    {
+        m_twin->release();
+    }
+
+private:
+    TestValue *m_twin;
+};
+
+/// Makes a TwinValue of each line that says something.
+class TwinParser : public CodeParser
+{
+public:
+    CodeNode *parseLine(const QString &line, const QTextBlock &block, CodeNode *oldNode,
+                        CodeNode *previous, RootCode *, CodeParserSyntax *) override
+    {
+        if (line.isEmpty())
+            return nullptr;
+        const auto *const old = static_cast<const TestValue *>(oldNode);
+        return old && old->name() == line ? oldNode : new TwinValue(block, previous);
+    }
+};
+
+/// Takes the line above one that begins with "eat" out of the text while that is parsed.
+class EatingParser : public CodeParser
+{
+public:
+    explicit EatingParser(bool withItsEnd)
+        : m_withItsEnd(withItsEnd)
+    {
+    }
+
+    CodeNode *parseLine(const QString &line, const QTextBlock &block, CodeNode *oldNode,
+                        CodeNode *previous, RootCode *root, CodeParserSyntax *syntax) override
+    {
+        CodeNode *const node = m_parser.parseLine(line, block, oldNode, previous, root, syntax);
+        if (line.startsWith(text("eat")) && block.blockNumber() > 1) {
+            // One of the two takes the block of the line above, the other the line's own.
+            const int end = block.position() - (m_withItsEnd ? 0 : 1);
+            QTextCursor cursor(block);
+            cursor.setPosition(end);
+            cursor.setPosition(end - block.previous().length(), QTextCursor::KeepAnchor);
+            cursor.removeSelectedText();
+        }
+        return node;
+    }
+
+private:
+    TestParser m_parser;
+    bool m_withItsEnd;
+};
+
 /// Records the rows that a model says come and go, as "+first-last" and "-first-last".
 class RowRecorder
 {
@@ -233,6 +294,8 @@ private Q_SLOTS:
     void parsedStaysSet();
     void passesAskedForWhileParsingArePutOff();
     void aParserThatAlwaysAsksComesToAnEnd();
+    void linesMayGoWhileOneIsParsed();
+    void nodesWithoutALineStayWithTheirs();
     void rehighlightKeepsNodesAndReparseDoesNot();
     void settingTheParser();
     void rootShowsNoRowsWhileItIsLocked();
@@ -656,6 +719,56 @@ void tst_CodeParser::aParserThatAlwaysAsksComesToAnEnd()
     QCOMPARE(version, before);
 }
 
+void tst_CodeParser::linesMayGoWhileOneIsParsed()
+{
+    for (const bool withItsEnd : {false, true}) {
+        EatingParser parser(withItsEnd);
+        Document document("", &parser);
+        // There are more lines than passes that may ask for another one.
+        document.setPlainText(text("[a]\n") + text("both = int 1\n").repeated(80)
+                              + text("eat = int 1\nboth = int 2\nz = int 3"));
+        for (int edits = 0; document.blockCount() > 4; ++edits) {
+            QVERIFY(edits < 80);
+            document.cursorAt(document.blockCount() - 3).insertText(text("eat"));
+            document.cursorAt(document.blockCount() - 1).insertText(text("z"));
+        }
+        document.setLine(1, "y = int 1");
+        QCOMPARE(document.messageTexts(),
+                 (QStringList{text("2:0 0 both: both"), text("2:0 1 odd: both")}));
+        const CodeNode *node = document.root();
+        for (int line = 0; line < 4; ++line) {
+            QCOMPARE(document.node(line), node->next());
+            node = node->next();
+            QCOMPARE(node->lineNo(), line);
+        }
+        QVERIFY(!node->next());
+    }
+}
+
+void tst_CodeParser::nodesWithoutALineStayWithTheirs()
+{
+    TwinParser parser;
+    Document document("a\nb\nc", &parser);
+    const auto chain = [&] {
+        QString names;
+        for (const CodeNode *node = document.root()->next(); node; node = node->next())
+            names += static_cast<const TestValue *>(node)->name();
+        return names;
+    };
+    QCOMPARE(chain(), text("aa'bb'cc'"));
+    document.beginChange();
+    document.insertOnCursor(text("x\ny\n"), document.cursorAt(1));
+    QCOMPARE(chain(), text("aa'xx'yy'bb'cc'"));
+    document.endChange();
+    QCOMPARE(chain(), text("aa'xx'yy'bb'cc'"));
+    document.setLine(2, "", true);
+    QCOMPARE(chain(), text("aa'xx'bb'cc'"));
+    document.rehighlight();
+    QCOMPARE(chain(), text("aa'xx'bb'cc'"));
+    document.setParser(nullptr);
+    QCOMPARE(chain(), QString());
+}
+
 void tst_CodeParser::rehighlightKeepsNodesAndReparseDoesNot()
 {
     Document document("[a]\nx = int 1\n\nanim 1 w\nframe 1 2");
@@ -825,6 +938,13 @@ void tst_CodeParser::linksBelongToTheirLine()
         QCOMPARE(TestLink::alive - before, 2);
         document.setLine(0, "b = int 1");
         QCOMPARE(TestLink::alive - before, 1);
+        FunctionParser none([](const QTextBlock &, CodeNode *, CodeParserSyntax *syntax) {
+            syntax->addLink(nullptr);
+            return nullptr;
+        });
+        document.setParser(&none);
+        QCOMPARE(document.data(1)->links().size(), 0);
+        document.setParser(nullptr);
         QCOMPARE(document.data(0)->parenthesis().size(), 0);
     }
     QCOMPARE(TestLink::alive, before);

@@ -500,6 +500,7 @@ QString TestFrame::line(const QString &id, int delay, bool loop)
 }
 
 int TestLink::alive = 0;
+int TestLink::activated = 0;
 
 TestLink::TestLink(int start, int end)
     : CodeLink(start, end)
@@ -514,6 +515,7 @@ TestLink::~TestLink()
 
 void TestLink::activate()
 {
+    ++activated;
 }
 
 namespace {

@@ -280,7 +280,6 @@ private:
     TestBoxes m_collision{this, Vela::ContactBoxCode::Collision};
 };
 
-/// Does nothing when it is clicked.
 class TestLink : public Vela::CodeLink
 {
 public:
@@ -288,7 +287,8 @@ public:
     ~TestLink() override;
     void activate() override;
 
-    static int alive; ///< links that have not been destroyed
+    static int alive;     ///< links that have not been destroyed
+    static int activated; ///< how often any was clicked
 };
 
 class TestParser : public Vela::CodeParser
