@@ -8,4 +8,9 @@ Extension::Type EngineExtension::type() const
     return EngineProvider;
 }
 
+QList<Editor *> EngineExtension::createEditors(const QList<Workspace *> &)
+{
+    return {};
+}
+
 } // namespace Vela

@@ -3,6 +3,7 @@
 
 #include "frame/interface.h"
 
+#include <QDir>
 #include <QIcon>
 #include <QList>
 
@@ -43,8 +44,8 @@ QVariant EngineInstances::data(const QModelIndex &index, int role) const
     if (role == Qt::DecorationRole) {
         if (!info.icon.isEmpty())
             return QIcon(info.icon);
-        if (const Interface *host = Interface::instance())
-            return QIcon(host->libraryFolder() + d->folder + QLatin1String("/icon.png"));
+        if (Interface::instance())
+            return QIcon(installedPath() + QLatin1String("/icon.png"));
     }
     return QVariant();
 }
@@ -118,6 +119,12 @@ int EngineInstances::count() const
 QString EngineInstances::engineFolder() const
 {
     return d->folder;
+}
+
+QString EngineInstances::installedPath() const
+{
+    const Interface *host = Interface::instance();
+    return (host ? host->libraryFolder() : QDir::currentPath()) + d->folder;
 }
 
 QString EngineInstances::configPath() const

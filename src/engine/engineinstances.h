@@ -43,6 +43,8 @@ public:
     /// Returns an empty record for a row that does not exist.
     Info at(unsigned int row) const;
     int count() const;
+    /// Returns the folder of what was installed with the program for the engine, such as its icon.
+    QString installedPath() const;
 
 protected:
     /// Returns "/engines/" with the engine's name behind.

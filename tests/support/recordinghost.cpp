@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/recordinghost.h"
 
+#include "editor/editor.h"
+#include "editor/workspace.h"
 #include "frame/controldescriptor.h"
 #include "frame/menu.h"
 
@@ -271,7 +273,12 @@ Vela::OrganizerEditor *RecordingHost::organizer(int) const
 
 void RecordingHost::switchEditor(Vela::Editor *editor)
 {
+    editorsSwitched.append(editor);
+    if (activeEditor)
+        activeEditor->deactivate();
     activeEditor = editor;
+    if (editor)
+        editor->activate();
 }
 
 void RecordingHost::showExtraEditor(Vela::ExtraEditor *editor, int)
@@ -281,7 +288,13 @@ void RecordingHost::showExtraEditor(Vela::ExtraEditor *editor, int)
 
 void RecordingHost::setWorkspace(Vela::Workspace *newWorkspace)
 {
+    if (workspace == newWorkspace)
+        return;
+    if (workspace)
+        workspace->deactivate();
     workspace = newWorkspace;
+    if (workspace)
+        workspace->activate();
 }
 
 QString RecordingHost::hostName() const

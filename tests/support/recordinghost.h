@@ -137,6 +137,7 @@ public:
     QVector<FileRequest> editorForFileCalls;
     QVector<OpenRequest> openFileCalls;
     QVector<ControlRequest> controls;
+    QVector<Vela::Editor *> editorsSwitched; ///< in order
     int refreshProjectsCount = 0;
     Vela::ExtraEditor *extraEditor = nullptr;
     Vela::Workspace *workspace = nullptr;
