@@ -27,7 +27,10 @@ QSizeF CodeLayout::documentSize() const
 
 QRectF CodeLayout::blockBoundingRect(const QTextBlock &block) const
 {
-    if (block.isValid() && block.layout()->lineCount() == 0)
+    // Views ask for each of the lines that are folded away, and there may be very many.
+    if (!block.isValid() || !block.isVisible())
+        return QRectF();
+    if (block.layout()->lineCount() == 0)
         const_cast<CodeLayout *>(this)->layOut(block);
     return QPlainTextDocumentLayout::blockBoundingRect(block);
 }
