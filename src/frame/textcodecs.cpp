@@ -4,6 +4,7 @@
 #include "frame/ftranslator.h"
 
 #include <QByteArrayList>
+#include <QHash>
 #include <QTextCodec>
 
 #include <uchardet.h>
@@ -85,6 +86,7 @@ const Family families[] = {
 const Family unknownFamily = {38, 38, ""};
 
 std::vector<Record> records;
+QHash<QByteArray, int> indexOfName; // in lower case: each document asks for one when it is made
 int defaultCodec = 0;
 
 bool hasName(const QList<QByteArray> &names, const char *name)
@@ -173,6 +175,12 @@ void TextCodecs::initialize()
     std::stable_sort(records.begin(), records.end(), [](const Record &a, const Record &b) {
         return a.family.displayId < b.family.displayId;
     });
+    indexOfName.clear();
+    for (int i = int(records.size()) - 1; i >= 0; --i) {
+        const QList<QByteArray> &names = records[std::size_t(i)].names;
+        for (const QByteArray &name : names)
+            indexOfName.insert(name.toLower(), i);
+    }
 }
 
 int TextCodecs::count()
@@ -182,10 +190,7 @@ int TextCodecs::count()
 
 int TextCodecs::index(const char *name)
 {
-    const auto found = std::find_if(records.begin(), records.end(), [name](const Record &record) {
-        return hasName(record.names, name);
-    });
-    return found == records.end() ? 0 : int(found - records.begin());
+    return indexOfName.value(QByteArray(name).toLower(), 0);
 }
 
 QByteArray TextCodecs::name(int index)
