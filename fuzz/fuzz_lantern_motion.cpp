@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "require.h"
+
 #include "lantern/document.h"
 #include "lantern/motioncode.h"
 #include "lantern/motionframe.h"
@@ -20,7 +22,6 @@
 #include <QTextLayout>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 
@@ -32,15 +33,6 @@ using Vela::CodeBlockData;
 using Vela::CodeNode;
 
 namespace {
-
-// The compiler makes one of all calls of abort() in a function, so the line says which it was.
-void require(bool condition, int line = __builtin_LINE())
-{
-    if (condition)
-        return;
-    std::fprintf(stderr, "the requirement in line %d is not met\n", line);
-    std::abort();
-}
 
 /// The end of the input, read as numbers; zeros when it is used up.
 class Choices

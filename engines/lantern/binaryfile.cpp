@@ -63,16 +63,15 @@ void BinaryFile::setProperty(const QString &, const QVariant &)
 {
 }
 
-void BinaryFile::decode(const QByteArray &data, bool)
+void BinaryFile::decode(const QByteArray &data)
 {
     m_data = data;
     m_modified = true;
 }
 
-bool BinaryFile::encode(QByteArray &data, QString &)
+QByteArray BinaryFile::encode() const
 {
-    data = m_data;
-    return true;
+    return m_data;
 }
 
 void BinaryFile::clear()

@@ -28,8 +28,8 @@ public:
     void setProperty(const QString &name, const QVariant &value) override;
 
 protected:
-    void decode(const QByteArray &data, bool again) override;
-    bool encode(QByteArray &data, QString &error) override;
+    void decode(const QByteArray &data) override;
+    QByteArray encode() const override;
     void clear() override;
     void markSaved() override;
     Vela::Messages *fileMessages() const override;

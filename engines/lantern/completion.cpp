@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/completion.h"
 
-#include "lantern/linereader.h"
+#include "lantern/scriptreader.h"
 
 #include <QCompleter>
 #include <QStringListModel>
@@ -63,6 +63,8 @@ public:
                     && m_line.at(m_place - 1).end == m_start));
         if (m_line.hasComment() || isInQuotes)
             return {};
+        if (m_context.scope() == Scope::Script)
+            return wordsInScript();
         switch (m_line.shape()) {
         case Line::Header:
             return m_place == 1 ? sectionWords(m_context.scope()) : QStringList();
@@ -140,6 +142,47 @@ private:
         if (m_place == option + 2 && m_line.says(option, QLatin1String("blend")))
             return blendWords();
         return {};
+    }
+
+    QStringList wordsInScript() const
+    {
+        if (m_line.shape() == Line::Header)
+            return m_place == 1 ? QStringList{QStringLiteral("script")} : QStringList();
+        if (m_place == 0)
+            return eventWords();
+        const int event = indexOfWord(m_line.text(0), eventWords());
+        if (event == 1 && m_place == 1)
+            return triggerWords();
+        if (event == 1 && m_place == 2)
+            return m_line.is(1, Token::Word) ? triggerNames(m_line.text(1)) : QStringList();
+        int action = m_place;
+        while (action > 0 && !m_line.is(action - 1, Token::Comma))
+            --action;
+        if (action == 0 && event >= 0)
+            action = event == 0 ? 2 : event == 1 ? 3 : 1;
+        if (m_place == action)
+            return actionWords();
+        return m_place == action + 1 ? argumentWords(m_line.text(action)) : QStringList();
+    }
+
+    QStringList actionWords() const
+    {
+        QStringList words = m_context.animationNames();
+        for (const ActionRule &rule : actionRules())
+            words.append(rule.word);
+        for (const AmountRule &rule : amountRules())
+            words.append(rule.word);
+        words.removeDuplicates();
+        return words;
+    }
+
+    QStringList argumentWords(QStringView action) const
+    {
+        const ActionRule *const rule = findAction(action);
+        if (rule && rule->argument == Argument::Direction)
+            return directionWords();
+        return rule && rule->argument == Argument::Sound ? quotedNames(m_context.soundNames())
+                                                         : QStringList();
     }
 
     // The options that the frame does not have yet.

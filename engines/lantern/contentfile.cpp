@@ -5,6 +5,17 @@
 
 namespace Lantern {
 
+namespace {
+
+bool fail(const QString &text, Vela::JobStats *stats)
+{
+    if (stats)
+        stats->error(text);
+    return false;
+}
+
+} // namespace
+
 ContentFile::ContentFile(const char *extension)
     : m_extension(extension)
 {
@@ -30,13 +41,11 @@ void ContentFile::load()
 {
     QByteArray data;
     QString error;
-    if (readAll(archive(), m_name, largestFile, data, error)) {
-        decode(data, false);
-        markSaved();
-        fileLoaded(archive(), m_name, false);
-    } else {
-        reportFailure(error);
-    }
+    if (!readAll(archive(), m_name, largestFile, data, error))
+        return;
+    decode(data);
+    markSaved();
+    fileLoaded(archive(), m_name, false);
 }
 
 bool ContentFile::fromFile(Vela::Archive &archive, const QString &name, unsigned int flags,
@@ -48,16 +57,13 @@ bool ContentFile::fromFile(Vela::Archive &archive, const QString &name, unsigned
         return fail(error, stats);
     // The content of another file is a change to this one.
     const bool copy = flags & Copy;
-    if (copy)
-        ensureLoaded();
-    const bool again = copy || (isLoaded() && name == m_name);
     setLoaded();
     if (!copy) {
         fileLoaded(archive, name, false);
         m_name = name;
     }
     ProjectFile::fromFile(archive, name, flags, stats);
-    decode(data, again);
+    decode(data);
     if (!copy)
         markSaved();
     return true;
@@ -87,7 +93,10 @@ bool ContentFile::toFile(Vela::Archive &archive, const QString &name, unsigned i
 // What was never loaded is passed on as it is, without becoming content on the way.
 bool ContentFile::contentBytes(QByteArray &data, QString &error)
 {
-    return isLoaded() ? encode(data, error) : readAll(archive(), m_name, largestFile, data, error);
+    if (!isLoaded())
+        return readAll(archive(), m_name, largestFile, data, error);
+    data = encode();
+    return true;
 }
 
 void ContentFile::reset()
@@ -116,18 +125,6 @@ void ContentFile::reload()
 {
     if (mayReload(*this))
         fromFile(archive(), m_name, 0, nullptr);
-}
-
-void ContentFile::reportFailure(const QString &)
-{
-}
-
-bool ContentFile::fail(const QString &text, Vela::JobStats *stats)
-{
-    reportFailure(text);
-    if (stats)
-        stats->error(text);
-    return false;
 }
 
 } // namespace Lantern

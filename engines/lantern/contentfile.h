@@ -37,20 +37,16 @@ protected:
     void bindTo(Vela::Archive &archive, const QString &name) override;
     void load() override;
 
-    /// Takes what was read, as a change that is not saved; with \a again it takes the place of the
-    /// content that stands.
-    virtual void decode(const QByteArray &data, bool again) = 0;
-    /// Returns the content as bytes; false with a reason in \a error if it has none.
-    virtual bool encode(QByteArray &data, QString &error) = 0;
+    /// Takes what was read, as a change that is not saved.
+    virtual void decode(const QByteArray &data) = 0;
+    /// Returns the content as bytes.
+    virtual QByteArray encode() const = 0;
     /// Drops the content.
     virtual void clear() = 0;
     /// Called when the content stands in the file as it is.
     virtual void markSaved() = 0;
-    /// Reports that reading or writing failed, for subclasses that have messages.
-    virtual void reportFailure(const QString &text);
 
 private:
-    bool fail(const QString &text, Vela::JobStats *stats);
     bool contentBytes(QByteArray &data, QString &error);
 
     const char *const m_extension;

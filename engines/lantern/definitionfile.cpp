@@ -58,6 +58,12 @@ void DefinitionFile::setListener(const std::function<void()> &listener)
     m_listener = listener;
 }
 
+void DefinitionFile::lookForFiles()
+{
+    m_named.clear();
+    codeUpdated();
+}
+
 void DefinitionFile::reportAt(const FileEntry &entry, const QString &text)
 {
     addFailure({Vela::Message::Error, unsigned(entry.line), unsigned(entry.column), text});

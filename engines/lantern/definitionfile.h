@@ -25,6 +25,8 @@ public:
     const QVector<FileEntry> &files() const;
     /// Sets what is called when the settings may have changed.
     void setListener(const std::function<void()> &listener);
+    /// Looks on the disk again for the files that the text names.
+    void lookForFiles();
     /// Adds an error at the place where the text names a file.
     void reportAt(const FileEntry &entry, const QString &text);
 

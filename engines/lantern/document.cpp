@@ -5,18 +5,16 @@
 #include "lantern/filenames.h"
 #include "lantern/formatter.h"
 #include "lantern/motions.h"
+#include "lantern/options.h"
 #include "lantern/textcontent.h"
 
+#include "engine/engine.h"
 #include "frame/archive.h"
-#include "frame/interface.h"
 #include "frame/jobstats.h"
 #include "frame/textcodecs.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <QTextBlock>
 #include <QTextCodec>
 #include <QTextCursor>
@@ -28,11 +26,6 @@ using Vela::TextCodecs;
 namespace Lantern {
 
 namespace {
-
-struct Texts
-{
-    Q_DECLARE_TR_FUNCTIONS(Lantern)
-};
 
 QString encodingProperty()
 {
@@ -124,11 +117,12 @@ Document::Document(Scope scope)
     : CodeDocument(short(scope))
     , m_scope(scope)
     , m_parser(*this)
-    , m_motions(new Motions(this))
+    , m_motions(scope == Scope::Script ? nullptr : new Motions(this))
     , m_messages(this, CodeDocument::fileMessages())
 {
     setParser(&m_parser);
-    registerNodeFile(m_motions, Vela::CodeNode::Animation, 0);
+    if (m_motions)
+        registerNodeFile(m_motions, Vela::CodeNode::Animation, 0);
     m_checkTimer.setSingleShot(true);
     m_checkTimer.setInterval(restBeforeChecks);
     connect(&m_checkTimer, &QTimer::timeout, this, [this] {
@@ -161,13 +155,25 @@ Scope Document::scope() const
 
 const char *Document::fileExtension() const
 {
-    return m_scope == Scope::Motion ? "motion" : "lantern";
+    switch (m_scope) {
+    case Scope::Motion:
+        return "motion";
+    case Scope::Script:
+        return "script";
+    case Scope::Game:
+    case Scope::Project:
+        break;
+    }
+    return "lantern";
 }
 
 QVariant Document::option(const QString &key) const
 {
     static const QStringList onByDefault = {
         QStringLiteral("parseCode"), QStringLiteral("highlightCode"), QStringLiteral("modelCode")};
+    const Vela::Engine *const engine = project() ? project()->parent()->engine() : nullptr;
+    if (engine && isEngineOption(key))
+        return engine->option(key, QVariant());
     const QVariant value = CodeDocument::option(key);
     return value.isValid() || !onByDefault.contains(key) ? value : QVariant(true);
 }
@@ -269,7 +275,7 @@ void Document::take(const QByteArray &data, int codec, bool again)
         setFileName(name);
     }
     setCodecId(content.codec());
-    setUtf8Mark(content.hasMark());
+    setUtf8Mark(content.hasMark() && codecName() == "UTF-8");
     m_isReading = false;
     m_isDamaged = content.isDamaged();
     m_readMessages = content.messages();
@@ -423,7 +429,7 @@ void Document::updateChecks(bool read)
 {
     if (read)
         setChecks(boxMessages());
-    else
+    else if (m_motions)
         m_checkTimer.start();
 }
 
@@ -495,100 +501,6 @@ void Document::setProperty(const QString &name, const QVariant &value)
     setModified(true);
     m_failures.clear();
     showMessages();
-}
-
-// What the lines ask.
-
-void Document::forgetNames()
-{
-    m_names.clear();
-    if (m_motions && m_motions->count() > 0)
-        rehighlight();
-}
-
-const Document::Names &Document::names(int fileType) const
-{
-    const auto found = m_names.constFind(fileType);
-    if (found != m_names.constEnd())
-        return *found;
-    Names &names = m_names[fileType];
-    const QList<ProjectFile *> files = project()->filesByType(fileType);
-    for (const ProjectFile *file : files) {
-        const QString name = QFileInfo(file->fileName()).completeBaseName();
-        names.insert(name.toCaseFolded(), name);
-    }
-    return names;
-}
-
-Presence Document::presence(int fileType, const QString &name) const
-{
-    if (!project())
-        return Presence::Unknown;
-    return names(fileType).contains(name.toCaseFolded()) ? Presence::Present : Presence::Missing;
-}
-
-Presence Document::spritePresence(const QString &name) const
-{
-    return presence(Vela::Project::Sprites, name);
-}
-
-Presence Document::soundPresence(const QString &name) const
-{
-    return presence(Vela::Project::Sounds, name);
-}
-
-QStringList Document::spriteNames() const
-{
-    return project() ? names(Vela::Project::Sprites).values() : QStringList();
-}
-
-QStringList Document::soundNames() const
-{
-    return project() ? names(Vela::Project::Sounds).values() : QStringList();
-}
-
-// Sprites of their own come with their editor.
-Vela::Sprite *Document::sprite(const QString &) const
-{
-    return nullptr;
-}
-
-QString Document::spelledFile(const QString &path) const
-{
-    const QString folder = archive().absoluteFilePath(fileName());
-    const QString clean =
-        QDir::cleanPath(QString(path).replace(QLatin1Char('\\'), QLatin1Char('/')));
-    if (!m_fileNames)
-        m_fileNames = std::make_unique<FileNames>(archive(), folder);
-    const QString spelled = m_fileNames->spelled(clean);
-    return spelled.isEmpty() ? QString() : QString(folder + QLatin1Char('/') + spelled);
-}
-
-Presence Document::filePresence(const QString &path) const
-{
-    if (fileName().isEmpty())
-        return Presence::Unknown;
-    return spelledFile(path).isEmpty() ? Presence::Missing : Presence::Present;
-}
-
-void Document::openFile(const QString &path)
-{
-    Vela::Interface *const host = Vela::Interface::instance();
-    if (!host || !project())
-        return;
-    const QString name = spelledFile(path);
-    m_fileNames.reset();
-    const QList<Vela::Project *> projects = project()->parent()->openedProjects();
-    for (const Vela::Project *candidate : projects) {
-        const QList<ProjectFile *> files = candidate->files();
-        for (ProjectFile *file : files) {
-            if (!name.isEmpty() && file->fileName() == name) {
-                host->openFile(file, 0, 0);
-                return;
-            }
-        }
-    }
-    host->log(Texts::tr("'%1' is no file of an open project.").arg(path));
 }
 
 } // namespace Lantern

@@ -12,15 +12,17 @@
 #include <QTimer>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 namespace Lantern {
 
 class FileNames;
+class MotionCode;
 class Motions;
 
-/// A definition text as a file of a project: a motion file, and the base of main files. It holds
-/// its parser, and its animations as the node file of that type.
+/// A definition text as a file of a project: a motion file, a script, and the base of main files.
+/// It holds its parser, and its animations as the node file of that type, which a script has not.
 ///
 /// What only reaches a CodeDocument, and not the ProjectFile, finds the text empty before the
 /// content was asked for: isEmpty() and model() read it.
@@ -81,7 +83,10 @@ public:
     QStringList spriteNames() const override;
     QStringList soundNames() const override;
     Vela::Sprite *sprite(const QString &name) const override;
+    QStringList animationNames() const override;
     void openFile(const QString &path) override;
+    void openSound(const QString &name) override;
+    void openAnimation(const QString &identifier) override;
 
 protected:
     void codeUpdated() override;
@@ -115,12 +120,14 @@ private:
     bool fail(const Vela::Message &message, const QString &error, unsigned int flags,
               Vela::JobStats *stats);
     void showMessages();
+    void forEachAnimation(
+        const std::function<void(Document &, const MotionCode &)> &function) const;
     Presence presence(int fileType, const QString &name) const;
     const Names &names(int fileType) const;
 
     const Scope m_scope;
     LineParser m_parser;
-    Motions *m_motions; // null once its first reference is given up
+    Motions *m_motions; // null in a script, and once its first reference is given up
     mutable DocumentMessages m_messages;
     QVector<Vela::Message> m_readMessages; // about the bytes of the file
     QVector<Vela::Message> m_checks;
@@ -130,7 +137,8 @@ private:
     QString m_savingName; // of the last save that was begun
     bool m_isReading = false;
     bool m_isDamaged = false;
-    mutable QHash<int, Names> m_names; // by the type of file
+    mutable QHash<int, Names> m_names;  // by the type of file
+    mutable bool m_warnsOfNames = true; // as long as the names hold
     // Folders listed for the lines of one pass, which may name many files.
     mutable std::unique_ptr<FileNames> m_fileNames;
 };

@@ -2,15 +2,21 @@
 #include "lantern/engine.h"
 
 #include "lantern/line.h"
+#include "lantern/nodepanel.h"
 #include "lantern/parentproject.h"
 #include "lantern/project.h"
 #include "lantern/settings.h"
+#include "lantern/texteditor.h"
 
+#include "editor/codeworkspace.h"
+#include "editor/propertyedit.h"
 #include "frame/filesystemarchive.h"
+#include "frame/interface.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QVBoxLayout>
 
 #include <memory>
 
@@ -79,7 +85,13 @@ QString fileNameFor(const QString &name)
     return result.size() < 5 ? QString(QStringLiteral("first-") + result) : result;
 }
 
-QString gameText(const QString &name, const QString &mainFile)
+QString authorLine(const QString &author)
+{
+    return author.isEmpty() ? QString()
+                            : QStringLiteral("author = %1\n").arg(quotedIfNeeded(author));
+}
+
+QString gameText(const QString &name, const QString &author, const QString &mainFile)
 {
     return Texts::tr(
                "# This file makes the folder a game for the Lantern engine.\n"
@@ -87,7 +99,7 @@ QString gameText(const QString &name, const QString &mainFile)
                "\n"
                "[game]\n"
                "name = %1\n"
-               "requires = %2.%3\n"
+               "%5requires = %2.%3\n"
                "\n"
                "[stage]\n"
                "size = 320 x 180   # in stage pixels\n"
@@ -97,19 +109,17 @@ QString gameText(const QString &name, const QString &mainFile)
                "# but are opened only when you ask for it.\n"
                "[projects]\n"
                "open = %4\n")
-        .arg(quotedIfNeeded(name))
-        .arg(engineMajor)
-        .arg(engineMinor)
-        .arg(mainFile);
+        .arg(quotedIfNeeded(name), QString::number(engineMajor), QString::number(engineMinor),
+             mainFile, authorLine(author));
 }
 
-QString projectText(const QString &name)
+QString projectText(const QString &name, const QString &author)
 {
     return Texts::tr("# A project: a character, a stage, a screen, or something shared.\n"
                      "\n"
                      "[project]\n"
                      "name = %1\n"
-                     "kind = character\n"
+                     "%2kind = character\n"
                      "\n"
                      "# The files of the project, one a line, in folders below this one:\n"
                      "#   sprites = sprites/idle.png\n"
@@ -117,7 +127,7 @@ QString projectText(const QString &name)
                      "#   animations = first.motion\n"
                      "#   scripts = first.script\n"
                      "[files]\n")
-        .arg(quotedIfNeeded(name));
+        .arg(quotedIfNeeded(name), authorLine(author));
 }
 
 bool write(const QString &path, const QString &text)
@@ -137,6 +147,7 @@ bool write(const QString &path, const QString &text)
 Engine::Engine()
     : Vela::Engine(QStringLiteral("lantern"))
 {
+    connect(&m_options, &Options::changed, this, &Engine::optionChanged);
 }
 
 QString Engine::gameFileName()
@@ -222,8 +233,9 @@ QString Engine::createParentProject(const QString &folder, const QString &name, 
     }
     const QString base = fileNameFor(name);
     const QString mainFile = base + QLatin1Char('/') + base + QStringLiteral(".lantern");
-    const QPair<QString, QString> files[] = {{mainFile, projectText(name)},
-                                             {gameFileName(), gameText(name, mainFile)}};
+    const QString author = m_options.option(OptionKey::author).toString();
+    const QPair<QString, QString> files[] = {{mainFile, projectText(name, author)},
+                                             {gameFileName(), gameText(name, author, mainFile)}};
     for (const auto &[path, text] : files) {
         if (!write(dir.filePath(path), text)) {
             *error = Texts::tr("The file '%1' cannot be written.").arg(dir.filePath(path));
@@ -231,6 +243,31 @@ QString Engine::createParentProject(const QString &folder, const QString &name, 
         }
     }
     return dir.absolutePath();
+}
+
+void Engine::registerCustomOptions(QWidget *page)
+{
+    if (!page->layout())
+        new QVBoxLayout(page);
+    auto *const form = new Vela::PropertyEdit(page);
+    page->layout()->addWidget(form);
+    form->setProvider(&m_options);
+    connect(form, &QObject::destroyed, &m_options, &Options::save);
+}
+
+// Lines that name sprites and sounds are read again.
+void Engine::optionChanged(const QString &key)
+{
+    const Vela::Interface *const host = Vela::Interface::instance();
+    if (key != OptionKey::warns || !host)
+        return;
+    for (unsigned int i = 0; i < host->parentProjectCount(); ++i) {
+        const QList<Vela::Project *> projects = host->parentProject(i)->openedProjects();
+        for (Vela::Project *const project : projects) {
+            if (auto *const own = qobject_cast<Project *>(project))
+                own->passOnNames();
+        }
+    }
 }
 
 const char *EngineExtension::format() const
@@ -246,6 +283,20 @@ const char *EngineExtension::identifier() const
 Vela::Engine *EngineExtension::engine()
 {
     return &m_engine;
+}
+
+QList<Vela::Editor *> EngineExtension::createEditors(const QList<Vela::Workspace *> &workspaces)
+{
+    QList<Vela::Editor *> editors;
+    const auto panel = std::make_shared<NodePanel>();
+    for (Vela::Workspace *workspace : workspaces) {
+        auto *code = qobject_cast<Vela::CodeWorkspace *>(workspace);
+        if (!code)
+            continue;
+        for (int type : {Vela::Project::Main, Vela::Project::Animations, Vela::Project::Scripts})
+            editors.append(new TextEditor(code, type, panel));
+    }
+    return editors;
 }
 
 void EngineExtension::release()

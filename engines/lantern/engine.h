@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "lantern/options.h"
+
 #include "engine/engine.h"
 #include "engine/engineextension.h"
 
@@ -26,6 +28,13 @@ public:
                                QString *error) override;
     QString createParentProject(const QString &folder, const QString &name,
                                 QString *error) override;
+    /// Fills a page, which gets a layout if it has none, with a form of the options.
+    void registerCustomOptions(QWidget *page) override;
+
+private:
+    void optionChanged(const QString &key);
+
+    Options m_options{*this};
 };
 
 /// What makes the engine known to the host.
@@ -35,6 +44,7 @@ public:
     const char *format() const override;
     const char *identifier() const override;
     Vela::Engine *engine() override;
+    QList<Vela::Editor *> createEditors(const QList<Vela::Workspace *> &workspaces) override;
     void release() override;
 
 private:

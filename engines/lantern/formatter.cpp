@@ -4,12 +4,17 @@
 #include "lantern/linereader.h"
 #include "lantern/motionbox.h"
 #include "lantern/node.h"
+#include "lantern/options.h"
 #include "lantern/report.h"
+#include "lantern/scriptcode.h"
+#include "lantern/scriptreader.h"
+#include "lantern/sectioncode.h"
 #include "lantern/settingcode.h"
 
 #include "code/codedocument.h"
 #include "code/codelink.h"
 
+#include <QHash>
 #include <QTextBlock>
 
 #include <algorithm>
@@ -112,12 +117,53 @@ QString spacedValue(Form form, const QString &value)
     }
 }
 
+/// What holds for the formatting of all lines of a text.
+class Style
+{
+public:
+    explicit Style(const Vela::CodeDocument &document)
+        : boxIndent(Lantern::boxIndent(document))
+        , lowersWords(optionOf(document, OptionKey::words).toInt() == LowerCaseWords)
+        , alignsActions(optionOf(document, OptionKey::aligns).toBool())
+    {
+    }
+
+    /// Returns where the actions begin in the section that a script's line stands in: behind the
+    /// longest event.
+    int actionColumn(const Vela::CodeNode &line)
+    {
+        const auto *const section = static_cast<const SectionCode *>(line.parent());
+        const auto found = m_columns.constFind(section);
+        if (found != m_columns.constEnd() || !section)
+            return section ? *found : 0;
+        constexpr int gap = 3;
+        int longest = 0;
+        const QList<Vela::ValueCode *> values = section->values();
+        for (const Vela::ValueCode *const value : values)
+            longest = std::max(longest, value->name().size());
+        return *m_columns.insert(section, longest + gap);
+    }
+
+    QString word(const QString &text) const
+    {
+        return lowersWords ? text.toLower() : text;
+    }
+
+    const QString boxIndent;
+    const bool lowersWords;
+    const bool alignsActions;
+
+private:
+    QHash<const SectionCode *, int> m_columns;
+};
+
 /// The formatting of one line.
 class LineFormat
 {
 public:
-    LineFormat(const Vela::CodeDocument &document, const QTextBlock &block)
-        : m_text(block.text())
+    LineFormat(const Vela::CodeDocument &document, const QTextBlock &block, Style &style)
+        : m_style(style)
+        , m_text(block.text())
         , m_line(m_text)
         , m_section(unsigned(std::max(0, block.userState())))
         , m_node(document.nodeInBlock(block))
@@ -140,7 +186,7 @@ public:
     /// Returns the blanks that belong in front of a line with code.
     QString indent() const
     {
-        return m_node && m_node->type() == Vela::CodeNode::HitBox ? boxIndent() : QString();
+        return m_node && m_node->type() == Vela::CodeNode::HitBox ? m_style.boxIndent : QString();
     }
 
     QString indented(const QString &indent) const
@@ -183,6 +229,8 @@ private:
         if (m_line.count() == 0)
             return QString();
         QString text = m_text;
+        if (m_section == ScriptLines)
+            return formattedScript(text);
         HeaderLine header;
         switch (readLowering(text, header)) {
         case LineKind::Header:
@@ -199,12 +247,39 @@ private:
         return oldCode();
     }
 
+    QString formattedScript(QString text)
+    {
+        HeaderLine header;
+        ScriptLine script;
+        const bool isHeader = m_line.shape() == Line::Header;
+        if (!readScriptLowering(text, header, script))
+            return oldCode();
+        if (isHeader)
+            return spacedTokens(text);
+        const Line line(text);
+        const int end = line.at(script.action - 1).end;
+        QString event = spaced(line, 0, script.action - 1);
+        if (m_style.alignsActions && m_node)
+            event = event.leftJustified(m_style.actionColumn(*m_node));
+        else
+            event += text.midRef(end, line.at(script.action).start - end);
+        return event + spaced(line, script.action, line.count() - 1);
+    }
+
+    bool readScriptLowering(QString &text, HeaderLine &header, ScriptLine &script) const
+    {
+        Lowering lowering(text);
+        Report report(m_line, m_style.lowersWords ? &lowering : nullptr);
+        return m_line.shape() == Line::Header ? readScriptHeader(m_line, header, report)
+                                              : readScriptLine(m_line, script, report);
+    }
+
     // Makes the words of the grammar in the text lower-case. Returns what the line is, with nothing
     // for one in error.
     LineKind readLowering(QString &text, HeaderLine &header) const
     {
         Lowering lowering(text);
-        Report report(m_line, &lowering);
+        Report report(m_line, m_style.lowersWords ? &lowering : nullptr);
         // Only settings are of a kind of text, and those know their rules.
         constexpr Scope anyScope = Scope::Motion;
         FrameLine frame;
@@ -241,14 +316,14 @@ private:
     }
 
     // What stands behind the word of a section that is no animation is kept as it is.
-    static QString formattedHeader(const QString &text, const HeaderLine &header)
+    QString formattedHeader(const QString &text, const HeaderLine &header) const
     {
         const Line line(text);
         if (header.kind == AnimationSection)
             return spaced(line, 0, line.count() - 1);
         QString word = line.text(header.word).toString();
         if (header.kind != UnknownSection)
-            word = word.toLower();
+            word = m_style.word(word);
         return QLatin1Char('[') + word
             + (header.rest.isEmpty() ? QString() : QLatin1Char(' ') + header.rest.toString())
             + QLatin1Char(']');
@@ -261,11 +336,12 @@ private:
         if (rule && m_line.is(2, Token::Plain)) {
             const bool isKeyword =
                 rule->form == Form::Word || rule->form == Form::Words || rule->form == Form::YesNo;
-            value = spacedValue(rule->form, isKeyword ? value.toLower() : value);
+            value = spacedValue(rule->form, isKeyword ? m_style.word(value) : value);
         }
-        return m_line.text(0).toString().toLower() + QLatin1String(" = ") + value;
+        return m_style.word(m_line.text(0).toString()) + QLatin1String(" = ") + value;
     }
 
+    Style &m_style;
     const QString m_text;
     const Line m_line;
     const unsigned int m_section;
@@ -279,10 +355,10 @@ struct Change
 };
 
 // Returns the indent of the first line with code behind a line; comments take it.
-QString indentBelow(const Vela::CodeDocument &document, const QTextBlock &line)
+QString indentBelow(const Vela::CodeDocument &document, const QTextBlock &line, Style &style)
 {
     for (QTextBlock block = line.next(); block.isValid(); block = block.next()) {
-        const LineFormat format(document, block);
+        const LineFormat format(document, block, style);
         if (format.hasCode())
             return format.indent();
     }
@@ -295,10 +371,11 @@ void formatLines(Vela::CodeDocument &document, int first, int last, bool indentO
 {
     first = std::max(first, 0);
     QTextBlock block = document.findBlockByNumber(std::min(last, document.blockCount() - 1));
-    QString indent = indentBelow(document, block);
+    Style style(document);
+    QString indent = indentBelow(document, block, style);
     QVector<Change> changes;
     for (; block.isValid() && block.blockNumber() >= first; block = block.previous()) {
-        LineFormat format(document, block);
+        LineFormat format(document, block, style);
         if (format.hasCode())
             indent = format.indent();
         if (format.isUntouchable())

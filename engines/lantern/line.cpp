@@ -88,13 +88,6 @@ bool breaksLine(QChar c)
     }
 }
 
-QString onOneLine(const QString &text)
-{
-    QString line = text;
-    std::replace_if(line.begin(), line.end(), breaksLine, QLatin1Char(' '));
-    return line;
-}
-
 bool isPlain(const QString &value)
 {
     if (value.isEmpty() || value.startsWith(quote) || value.startsWith(commentSign)
@@ -229,6 +222,13 @@ int indexOfWord(QStringView word, const QStringList &words)
             return i;
     }
     return -1;
+}
+
+QString onOneLine(const QString &text)
+{
+    QString line = text;
+    std::replace_if(line.begin(), line.end(), breaksLine, QLatin1Char(' '));
+    return line;
 }
 
 QString quotedIfNeeded(const QString &value)

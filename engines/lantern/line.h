@@ -154,6 +154,8 @@ inline bool Line::says(int index, QLatin1String word) const
 bool isWord(QStringView text);
 /// Returns the index of a word in a list of words in lower case, or -1.
 int indexOfWord(QStringView word, const QStringList &words);
+/// Returns a text with blanks in the place of all characters that would end the line.
+QString onOneLine(const QString &text);
 /// Returns \a value as it stands in a line that takes plain values: in quotes where it could be
 /// taken for something else. Line ends in it become blanks.
 QString quotedIfNeeded(const QString &value);

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/lineparser.h"
 
-#include "lantern/filelink.h"
 #include "lantern/linereader.h"
 #include "lantern/motionbox.h"
 #include "lantern/motioncode.h"
 #include "lantern/motionframe.h"
+#include "lantern/namelink.h"
 #include "lantern/report.h"
+#include "lantern/scriptcode.h"
+#include "lantern/scriptreader.h"
 #include "lantern/sectioncode.h"
 #include "lantern/settingcode.h"
 #include "lantern/values.h"
@@ -55,6 +57,8 @@ public:
     CodeNode *parse()
     {
         const unsigned int section = sectionBehind(m_previous);
+        if (m_context.scope() == Scope::Script)
+            return script(section);
         switch (lineKind(m_line, section, m_report)) {
         case LineKind::None:
             break;
@@ -110,6 +114,11 @@ private:
             return nullptr;
         if (header.kind == AnimationSection)
             return animation(header);
+        return section(header);
+    }
+
+    CodeNode *section(const HeaderLine &header)
+    {
         const QStringView word = m_line.text(header.word);
         if (auto *const section = old<SectionCode>(CodeNode::Group)) {
             section->update(header.kind, word, header.rest);
@@ -130,12 +139,49 @@ private:
         return new MotionCode(m_block, m_previous, identifier.toString(), title);
     }
 
+    CodeNode *script(unsigned int section)
+    {
+        if (!isReadable(m_line, m_report) || m_line.shape() == Line::Blank)
+            return nullptr;
+        if (m_line.shape() == Line::Header) {
+            HeaderLine header;
+            return readScriptHeader(m_line, header, m_report) ? this->section(header) : nullptr;
+        }
+        if (section != ScriptLines) {
+            m_report.expected(QT_TRANSLATE_NOOP("Lantern", "'[script NAME]'"), 0);
+            return nullptr;
+        }
+        ScriptLine script;
+        if (!readScriptLine(m_line, script, m_report))
+            return nullptr;
+        if (m_report.isHeard())
+            linkNames(script);
+        auto *const node =
+            oldChild<ScriptCode>(CodeNode::Value, CodeNode::Group, CodeNode::Animation);
+        if (!node)
+            return new ScriptCode(m_block, m_previous, m_line, script);
+        node->update(m_line, script);
+        return node;
+    }
+
+    void linkNames(const ScriptLine &script)
+    {
+        for (const int token : script.animations)
+            link(token, m_line.value(token), &ParserContext::openAnimation);
+        for (const int token : script.sounds) {
+            const QString name = m_line.value(token);
+            link(token, name, &ParserContext::openSound);
+            if (m_context.soundPresence(name) == Presence::Missing)
+                missing(Report::tr("There is no sound '%1'."), name, token);
+        }
+    }
+
     void include()
     {
         QString path;
         if (!readInclude(m_line, path, m_report) || !m_report.isHeard())
             return;
-        link(1, path);
+        link(1, path, &ParserContext::openFile);
         if (m_context.filePresence(path) == Presence::Missing)
             missing(Report::tr("There is no file '%1'."), path, 1);
     }
@@ -143,7 +189,7 @@ private:
     // Whether the files of the project's lists are there is told with the lists.
     void path(const Rule &rule, const QString &path)
     {
-        link(2, path);
+        link(2, path, &ParserContext::openFile);
         if (rule.fileType < 0 && m_context.filePresence(path) == Presence::Missing)
             missing(Report::tr("There is no file '%1'."), path, 2);
     }
@@ -201,10 +247,10 @@ private:
         return new MotionBox(m_block, m_previous, box);
     }
 
-    void link(int token, const QString &path)
+    void link(int token, const QString &name, NameLink::Open open)
     {
         m_report.syntax()->addLink(
-            new FileLink(m_line.at(token).start, m_line.at(token).end, path, m_context));
+            new NameLink(m_line.at(token).start, m_line.at(token).end, name, m_context, open));
     }
 
     void missing(const QString &message, const QString &name, int token)

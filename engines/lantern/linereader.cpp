@@ -130,15 +130,19 @@ void warnOfSection(const Line &line, const SectionRule *section, const HeaderLin
 
 } // namespace
 
+bool isReadable(const Line &line, Report &report)
+{
+    return line.nul() < 0
+        || report.expectedAt(QT_TRANSLATE_NOOP("Lantern", "text without NUL characters"),
+                             line.nul(), line.nul() + 1);
+}
+
 LineKind lineKind(const Line &line, unsigned int section, Report &report)
 {
     if (line.shape() == Line::Blank && !line.hasComment())
         return LineKind::None;
-    if (line.nul() >= 0) {
-        report.expectedAt(QT_TRANSLATE_NOOP("Lantern", "text without NUL characters"), line.nul(),
-                          line.nul() + 1);
+    if (!isReadable(line, report))
         return LineKind::None;
-    }
     const bool isRead = !isReservedSection(section);
     switch (line.shape()) {
     case Line::Blank:

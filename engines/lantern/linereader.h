@@ -86,6 +86,8 @@ struct BoxLine
     Vela::ContactBoxCode::Depth depth{0, 0};
 };
 
+/// Returns whether a line can be read at all. Reports one that holds a NUL character.
+bool isReadable(const Line &line, Report &report);
 /// Tells what a line in a kind of section is. Reports a line that can be nothing there.
 LineKind lineKind(const Line &line, unsigned int section, Report &report);
 

@@ -2,6 +2,7 @@
 #include "lantern/motionbox.h"
 
 #include "lantern/linereader.h"
+#include "lantern/options.h"
 #include "lantern/values.h"
 
 #include "code/codedocument.h"
@@ -102,7 +103,7 @@ ContactBoxCode *MotionBoxes::add(QRect rect)
         return nullptr;
     const unsigned int before = count();
     const QString code = boxCode(boxType(), rect, {0, 0});
-    document->insertBefore(frame(), boxIndent() + code, true);
+    document->insertBefore(frame(), boxIndent(*document) + code, true);
     return count() > before ? at(before) : nullptr;
 }
 
@@ -153,9 +154,9 @@ QString boxCode(ContactBoxCode::BoxType type, QRect rect, ContactBoxCode::Depth 
     return words.join(QLatin1Char(' '));
 }
 
-QString boxIndent()
+QString boxIndent(const Vela::CodeDocument &document)
 {
-    return QStringLiteral("  ");
+    return QString(optionOf(document, OptionKey::boxIndent).toInt(), QLatin1Char(' '));
 }
 
 } // namespace Lantern

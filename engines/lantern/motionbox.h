@@ -58,7 +58,7 @@ public:
 };
 
 /// Returns the blanks in front of the lines of boxes.
-QString boxIndent();
+QString boxIndent(const Vela::CodeDocument &document);
 /// Returns the line of a box, without an indent.
 QString boxCode(Vela::ContactBoxCode::BoxType type, QRect rect, Vela::ContactBoxCode::Depth depth);
 

@@ -131,6 +131,14 @@ void MotionFrame::setSprite(const QVariant &identifier)
     writeHead(word, QString());
 }
 
+void MotionFrame::setSound(const QString &name)
+{
+    if (name != m_sound)
+        writeOptions(
+            {{FrameOption::Play,
+              name.isEmpty() ? QString() : QLatin1String("play ") + quotedIfNoWord(name)}});
+}
+
 void MotionFrame::setOffsetX(int x)
 {
     setOffset(QPoint(x, m_offset.y()));
@@ -223,7 +231,7 @@ int MotionFrame::pasteContactBoxes(const QString &text)
         Report silent(line, nullptr);
         BoxLine box;
         if (lineKind(line, AnimationSection, silent) == LineKind::Box && readBox(line, box, silent))
-            lines.append(boxIndent() + boxCode(box.type, box.rect, box.depth));
+            lines.append(boxIndent(*document()) + boxCode(box.type, box.rect, box.depth));
     }
     if (!lines.isEmpty())
         document()->insertBefore(this, lines.join(QLatin1Char('\n')), true);

@@ -31,6 +31,8 @@ public:
     {
         return m_sound;
     }
+    /// Takes the name of a sound; an empty one stands for none.
+    void setSound(const QString &name);
     /// Leaves the other frames as they are; the property "LoopPoint" does not.
     void setLoopPoint(bool isLoopPoint);
 

@@ -20,6 +20,7 @@ enum SectionKind : unsigned int {
     ProjectsSection = 4,
     FilesSection = 5,
     MotionSection = 6,
+    ScriptLines = 7, ///< a section of a script file
     // Reserved for later: their lines are not read.
     FontSection = 16,
     PaletteSection = 17,

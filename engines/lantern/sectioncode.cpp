@@ -9,9 +9,11 @@ namespace Lantern {
 
 namespace {
 
-QString settingCode(const QString &name, const QString &value, bool isComment)
+QString settingCode(SectionKind kind, const QString &name, const QString &value, bool isComment)
 {
-    const QString code = name + QLatin1String(" = ") + quotedIfNeeded(value);
+    const QString code = kind == ScriptLines
+        ? onOneLine(name) + QLatin1String("   ") + onOneLine(value)
+        : name + QLatin1String(" = ") + quotedIfNeeded(value);
     return isComment ? QLatin1String("# ") + code : code;
 }
 
@@ -54,19 +56,24 @@ Vela::ValueCode *SectionCode::insertValue(unsigned int index, const QString &nam
     const unsigned int count = valueCount();
     if (index >= count)
         return addValue(name, value, isComment);
-    if (!document() || !isWord(name))
+    if (!document() || !canName(name))
         return nullptr;
-    document()->insertBefore(valueAt(index), settingCode(name, value, isComment), true);
+    document()->insertBefore(valueAt(index), settingCode(kind(), name, value, isComment), true);
     return valueCount() > count ? valueAt(index) : nullptr;
 }
 
 Vela::ValueCode *SectionCode::addValue(const QString &name, const QString &value, bool isComment)
 {
-    if (!document() || !isWord(name))
+    if (!document() || !canName(name))
         return nullptr;
     const unsigned int count = valueCount();
-    appendValue(settingCode(name, value, isComment));
+    appendValue(settingCode(kind(), name, value, isComment));
     return valueCount() > count ? valueAt(count) : nullptr;
+}
+
+bool SectionCode::canName(const QString &name) const
+{
+    return kind() == ScriptLines || isWord(name);
 }
 
 void SectionCode::update(SectionKind kind, QStringView word, QStringView title)

@@ -22,7 +22,8 @@ public:
     QString displayName() const override;
     /// Takes a word of the grammar; anything else is ignored.
     void setName(const QString &name) override;
-    /// Both return null for a name that is no word, and for a comment, which has no node.
+    /// Both return null for a name that is no word, and for a comment, which has no node. In a
+    /// script the name is an event and the value its actions.
     Vela::ValueCode *insertValue(unsigned int index, const QString &name, const QString &value,
                                  bool isComment) override;
     Vela::ValueCode *addValue(const QString &name, const QString &value, bool isComment) override;
@@ -31,6 +32,8 @@ public:
     void update(SectionKind kind, QStringView word, QStringView title);
 
 private:
+    bool canName(const QString &name) const;
+
     QString m_word;
     QString m_title;
 };

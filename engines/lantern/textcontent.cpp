@@ -72,41 +72,6 @@ bool TextContent::hasMark() const
     return m_hasMark;
 }
 
-TextContent::LineEnds TextContent::lineEnds() const
-{
-    int lf = 0;
-    int crLf = 0;
-    int cr = 0;
-    for (int i = 0; i < m_text.size(); ++i) {
-        if (m_text.at(i) == QLatin1Char('\n')) {
-            ++lf;
-        } else if (m_text.at(i) == QLatin1Char('\r')) {
-            const bool pair = i + 1 < m_text.size() && m_text.at(i + 1) == QLatin1Char('\n');
-            i += pair ? 1 : 0;
-            ++(pair ? crLf : cr);
-        }
-    }
-    if (lf + crLf + cr == 0)
-        return NoLineEnds;
-    if (std::max({lf, crLf, cr}) < lf + crLf + cr)
-        return MixedLineEnds;
-    return lf ? Lf : crLf ? CrLf : Cr;
-}
-
-void TextContent::setLineEnds(LineEnds lineEnds)
-{
-    if (lineEnds != Lf && lineEnds != CrLf && lineEnds != Cr)
-        return;
-    QString text = m_text;
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    if (lineEnds == CrLf)
-        text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
-    else if (lineEnds == Cr)
-        text.replace(QLatin1Char('\n'), QLatin1Char('\r'));
-    setText(text);
-}
-
 bool TextContent::isDamaged() const
 {
     return !m_original.isNull();

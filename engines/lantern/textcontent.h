@@ -13,8 +13,6 @@ namespace Lantern {
 class TextContent
 {
 public:
-    enum LineEnds { NoLineEnds, Lf, CrLf, Cr, MixedLineEnds };
-
     TextContent() = default;
     /// Reads a file's bytes in the encoding \a codec, or for -1 in the one that they are judged to
     /// be in.
@@ -28,10 +26,6 @@ public:
     void setCodec(int codec);
     /// Returns whether the text begins with a byte-order mark.
     bool hasMark() const;
-
-    LineEnds lineEnds() const;
-    /// Turns every line end into one kind.
-    void setLineEnds(LineEnds lineEnds);
 
     /// Returns whether the bytes read held something that the encoding has no character for.
     bool isDamaged() const;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/binaryfile.h"
 #include "lantern/definitionfile.h"
+#include "lantern/document.h"
 #include "lantern/engine.h"
 #include "lantern/motions.h"
-#include "lantern/textfile.h"
 
 #include "engine/extensionmanager.h"
 #include "frame/archive.h"
@@ -62,6 +62,7 @@ private Q_SLOTS:
     void aBackupBringsEverythingBack();
     void changesOfTheMainFileReachTheFiles();
     void changedFilesStayUntilTheyAreSaved();
+    void scriptsNameAnimationsAndSounds();
     void projectsThatCannotBeReadBecomeMessages();
     void missingFilesAreDependencies();
     void thousandsOfFilesAreNotReadAtOnce();
@@ -263,10 +264,9 @@ void tst_LanternEngine::theMeadowOpensWithoutAMessage()
             const QList<ProjectFile *> files = project->filesByType(type);
             for (ProjectFile *file : files) {
                 QVERIFY(!file->isEmpty());
-                const auto *const script = dynamic_cast<Lantern::TextFile *>(file);
                 const auto *const text = dynamic_cast<Lantern::Document *>(file);
-                QVERIFY(script || text);
-                QVERIFY(!(script ? script->text() : text->toString()).contains(QChar(0xFFFD)));
+                QVERIFY(text);
+                QVERIFY(!text->toString().contains(QChar(0xFFFD)));
             }
         }
     }
@@ -561,7 +561,7 @@ void tst_LanternEngine::changedFilesStayUntilTheyAreSaved()
 {
     auto parent = open(path("meadow/rowan/rowan.lantern"));
     Project *const rowan = parent->openedProjects().at(0);
-    auto *const script = dynamic_cast<Lantern::TextFile *>(rowan->file(Project::Scripts));
+    auto *const script = dynamic_cast<Lantern::Document *>(rowan->file(Project::Scripts));
     script->setText(QStringLiteral("mine"));
     writeFile(path("meadow/rowan/rowan.lantern"), "[project]\nname = Rowan\n");
     rowan->mainFile()->fromFile(parent->archive(), rowan->fileName(), 0, nullptr);
@@ -569,8 +569,31 @@ void tst_LanternEngine::changedFilesStayUntilTheyAreSaved()
     QCOMPARE(rowan->file(Project::Scripts), script);
     QCOMPARE(dependenciesOf(*rowan), QStringList());
     parent->save(nullptr);
-    QCOMPARE(contents(path("meadow/rowan")).value(QStringLiteral("scripts/rowan.script")),
-             QByteArray("mine"));
+    QTRY_COMPARE(contents(path("meadow/rowan")).value(QStringLiteral("scripts/rowan.script")),
+                 QByteArray("mine"));
+    close(parent);
+}
+
+void tst_LanternEngine::scriptsNameAnimationsAndSounds()
+{
+    RecordingHost host;
+    auto parent = open(path("meadow/rowan/rowan.lantern"));
+    Project *const rowan = parent->openedProjects().at(0);
+    auto *const script = dynamic_cast<Lantern::Document *>(rowan->file(Project::Scripts));
+    QVERIFY(!script->isEmpty());
+    QCOMPARE(script->animationNames(),
+             (QStringList{QStringLiteral("idle"), QStringLiteral("walk"), QStringLiteral("lift")}));
+    script->openAnimation(QStringLiteral("Walk"));
+    QCOMPARE(host.openFileCalls.size(), 1);
+    QCOMPARE(host.openFileCalls.last().file, rowan->file(Project::Animations));
+    // "[animation walk]" is the 17th line of the file.
+    QCOMPARE(host.openFileCalls.last().line, 16u);
+    script->openSound(QStringLiteral("LANTERN"));
+    QCOMPARE(host.openFileCalls.last().file->fileName(), path("meadow/rowan/sounds/lantern.wav"));
+    script->openAnimation(QStringLiteral("swim"));
+    script->openSound(QStringLiteral("bang"));
+    QCOMPARE(host.openFileCalls.size(), 2);
+    QCOMPARE(host.logged.size(), 2);
     close(parent);
 }
 

@@ -3,7 +3,6 @@
 #include "lantern/definitionfile.h"
 #include "lantern/filenames.h"
 #include "lantern/motions.h"
-#include "lantern/textfile.h"
 
 #include "frame/filesystemarchive.h"
 #include "frame/regexp.h"
@@ -27,7 +26,6 @@ using Lantern::BinaryFile;
 using Lantern::DefinitionFile;
 using Lantern::Document;
 using Lantern::Scope;
-using Lantern::TextFile;
 using Vela::FileSystemArchive;
 using Vela::Message;
 using Vela::ProjectFile;
@@ -61,7 +59,6 @@ private Q_SLOTS:
     void boxesWithoutAFrameAreToldWhenTheTextRests();
     void namesInAnotherCase_data();
     void namesInAnotherCase();
-    void searchAndReplace();
 
 private:
     QString path(const char *name) const;
@@ -104,11 +101,6 @@ QByteArray saved(ProjectFile &file, const QString &name)
 {
     return file.toFile(disk(), name, ProjectFile::Copy, nullptr) ? readFile(name)
                                                                  : QByteArray("(not saved)");
-}
-
-QString textOf(const TextFile &file)
-{
-    return file.text();
 }
 
 QString textOf(const Document &file)
@@ -201,7 +193,7 @@ void tst_LanternFiles::textsComeBackAsTheyWere()
 
     const QString name = path("back.lantern");
     writeFile(name, data);
-    const auto check = [&](auto &file, const QByteArray &expected) {
+    const auto check = [&](Document &file, const QByteArray &expected) {
         QVERIFY(file.fromFile(disk(), name, 0, nullptr));
         QVERIFY(!file.isModified());
         QCOMPARE(textOf(file, "Encoding"), encoding);
@@ -214,18 +206,17 @@ void tst_LanternFiles::textsComeBackAsTheyWere()
         file.setText(text);
         QCOMPARE(saved(file, path("copy")), expected);
     };
-    Held<TextFile> script(new TextFile("script"));
-    check(*script, data);
-    QCOMPARE(script->messages()->count(Message::Any), 0);
-    Held<Document> document(new Document(Scope::Motion));
-    check(*document, fromDocument);
+    for (const Scope scope : {Scope::Motion, Scope::Script}) {
+        Held<Document> document(new Document(scope));
+        check(*document, fromDocument);
+    }
 }
 
 void tst_LanternFiles::damagedTextIsKeptUntilItChanges()
 {
     const QByteArray data = "\xEF\xBB\xBF# \n# \xff\xfe\n";
     const QString name = path("damaged.lantern");
-    const auto check = [&](auto &file) {
+    const auto check = [&](Document &file) {
         writeFile(name, data);
         QVERIFY(file.fromFile(disk(), name, 0, nullptr));
         QCOMPARE(file.messages()->count(Message::Warning), 1);
@@ -237,8 +228,6 @@ void tst_LanternFiles::damagedTextIsKeptUntilItChanges()
         QCOMPARE(readFile(name), QByteArray("\xEF\xBB\xBF# new"));
         QCOMPARE(file.messages()->count(Message::Any), 0);
     };
-    Held<TextFile> script(new TextFile("script"));
-    check(*script);
     Held<Document> document(new Document(Scope::Motion));
     check(*document);
 }
@@ -290,7 +279,7 @@ void tst_LanternFiles::encodingsThatCannotBeWrittenAreTold()
                           "\xd1\x81\xd1\x82\xd0\xbe\xd0\xb8\xd1\x82 \xd1\x83 "
                           "\xd1\x80\xd1\x83\xd1\x87\xd1\x8c\xd1\x8f");
     const QString name = path("mac.motion");
-    const auto check = [&](auto &file) {
+    const auto check = [&](Document &file) {
         writeFile(name, data);
         QVERIFY(file.fromFile(disk(), name, 0, nullptr));
         QCOMPARE(textOf(file), text);
@@ -305,8 +294,6 @@ void tst_LanternFiles::encodingsThatCannotBeWrittenAreTold()
         QVERIFY(file.toFile(disk(), name, 0, nullptr));
         QCOMPARE(readFile(name), QByteArray(text.toUtf8() + '.'));
     };
-    Held<TextFile> script(new TextFile("script"));
-    check(*script);
     Held<Document> document(new Document(Scope::Motion));
     check(*document);
 }
@@ -389,21 +376,11 @@ void tst_LanternFiles::encodingsChangeWithTheNextSave()
 
 void tst_LanternFiles::propertiesOfAText()
 {
-    const std::tuple<QByteArray, int, QString> rows[] = {
-        {"", 0, QString()},
-        {"a", 1, QString()},
-        {"a\n", 1, QStringLiteral("LF")},
-        {"a\r\nb", 2, QStringLiteral("CRLF")},
-        {"a\rb\r", 2, QStringLiteral("CR")},
-        {"a\r\n\n", 2, QStringLiteral("Mixed")},
+    const std::pair<QByteArray, int> rows[] = {
+        {"", 0}, {"a", 1}, {"a\n", 1}, {"a\r\nb", 2}, {"a\rb\r", 2}, {"a\r\n\n", 2},
     };
-    for (const auto &[data, lines, ends] : rows) {
+    for (const auto &[data, lines] : rows) {
         writeFile(path("lines.script"), data);
-        Held<TextFile> file(new TextFile("script"));
-        QVERIFY(file->fromFile(disk(), path("lines.script"), 0, nullptr));
-        QCOMPARE(file->property(QStringLiteral("Lines")).toInt(), lines);
-        QCOMPARE(textOf(*file, "LineEnds"), ends);
-        QCOMPARE(file->isEmpty(), data.isEmpty());
         Held<Document> document(new Document(Scope::Motion));
         QVERIFY(document->fromFile(disk(), path("lines.script"), 0, nullptr));
         QCOMPARE(document->property(QStringLiteral("Lines")).toInt(), lines);
@@ -443,7 +420,7 @@ void tst_LanternFiles::aReloadIsAStepOfUndo()
 {
     RecordingHost host;
     host.options[QStringLiteral("enable_file_watcher")] = true;
-    const auto check = [this](auto &file) {
+    const auto check = [this](Document &file) {
         const QString name = path("watched.script");
         writeFile(name, "# one\n# two\n# six\n");
         QVERIFY(file.fromFile(disk(), name, 0, nullptr));
@@ -457,8 +434,6 @@ void tst_LanternFiles::aReloadIsAStepOfUndo()
         QCOMPARE(textOf(file), QStringLiteral("# one\n# three\n# six\n"));
         QVERIFY(!file.isModified());
     };
-    Held<TextFile> script(new TextFile("script"));
-    check(*script);
     Held<Document> document(new Document(Scope::Motion));
     check(*document);
 }
@@ -495,7 +470,7 @@ void tst_LanternFiles::reloadsKeepTheEncodingThatFits()
 
 void tst_LanternFiles::reloadAsksAboutUnsavedChanges()
 {
-    const auto check = [this](auto &file) {
+    const auto check = [this](Document &file) {
         RecordingHost host;
         const QString name = path("asked.motion");
         writeFile(name, "# one");
@@ -521,8 +496,6 @@ void tst_LanternFiles::reloadAsksAboutUnsavedChanges()
         file.reload();
         QCOMPARE(textOf(file), QStringLiteral("# theirs"));
     };
-    Held<TextFile> script(new TextFile("script"));
-    check(*script);
     Held<Document> document(new Document(Scope::Motion));
     check(*document);
 }
@@ -531,13 +504,10 @@ void tst_LanternFiles::contentIsReadWhenItIsNeeded()
 {
     MemoryArchive archive;
     archive.put(QStringLiteral("/a.png"), "abc");
-    archive.put(QStringLiteral("/a.script"), "text");
     Held<BinaryFile> picture(new BinaryFile("png"));
     picture->attach(archive, QStringLiteral("/a.png"));
-    Held<TextFile> script(new TextFile("script"));
-    script->attach(archive, QStringLiteral("/a.script"));
-    QVERIFY(!picture->isLoaded() && !script->isLoaded());
-    QVERIFY(!picture->isModified() && !script->isModified());
+    QVERIFY(!picture->isLoaded());
+    QVERIFY(!picture->isModified());
     QCOMPARE(&picture->archive(), static_cast<Vela::Archive *>(&archive));
 
     // A copy passes through without being kept.
@@ -551,10 +521,9 @@ void tst_LanternFiles::contentIsReadWhenItIsNeeded()
     QVERIFY(picture->toFile(archive, QStringLiteral("/a.png"), 0, nullptr));
     QVERIFY(!picture->isModified());
     QCOMPARE(archive.content(QStringLiteral("/a.png")), QByteArray("abcd"));
-    QCOMPARE(script->text(), QStringLiteral("text"));
 
     // A new file has its content, and keeps it when it gets a name.
-    Held<TextFile> fresh(new TextFile("script"));
+    Held<Document> fresh(new Document(Scope::Script));
     fresh->setText(QStringLiteral("new"));
     QVERIFY(fresh->toFile(archive, QStringLiteral("/new.script"), 0, nullptr));
     fresh->undo();
@@ -601,7 +570,7 @@ void tst_LanternFiles::copiesAndFailures()
     RecordingHost host;
     writeFile(path("a.script"), "# a");
     writeFile(path("b.script"), "# b");
-    const auto check = [&](auto &file) {
+    const auto check = [&](Document &file) {
         QVERIFY(file.fromFile(disk(), path("a.script"), 0, nullptr));
         QVERIFY(file.fromFile(disk(), path("b.script"), ProjectFile::Copy, nullptr));
         QCOMPARE(file.fileName(), path("a.script"));
@@ -625,8 +594,6 @@ void tst_LanternFiles::copiesAndFailures()
         QCOMPARE(file.fileName(), QString());
         QCOMPARE(file.messages()->count(Message::Any), 0);
     };
-    Held<TextFile> script(new TextFile("script"));
-    check(*script);
     Held<Document> document(new Document(Scope::Motion));
     check(*document);
 }
@@ -784,36 +751,6 @@ void tst_LanternFiles::namesInAnotherCase()
         archive.put(QString::fromUtf8(name), "x");
     Lantern::FileNames names(archive, QStringLiteral("/r"));
     QCOMPARE(names.spelled(asked), found);
-}
-
-void tst_LanternFiles::searchAndReplace()
-{
-    Held<TextFile> file(new TextFile("script"));
-    file->setText(QStringLiteral("walk left\r\nrun\nwalk right"));
-    const Vela::RegExp walk(QStringLiteral("walk (\\w+)"));
-    const QList<ProjectFile::SearchResult> all =
-        file->search(walk, Vela::SearchableProjectFile::FindAll);
-    QCOMPARE(all.size(), 2);
-    QCOMPARE(all.at(0).text, QStringLiteral("walk left"));
-    QCOMPARE(all.at(1).line, 2);
-    QCOMPARE(all.at(1).column, 0);
-    QCOMPARE(all.at(1).length, 10);
-    QCOMPARE(all.at(1).captures, QStringList{QStringLiteral("right")});
-    QCOMPARE(file->search(walk, 0).value(0).line, 0);
-    QCOMPARE(file->search(walk, Vela::SearchableProjectFile::Backward).value(0).line, 2);
-    QCOMPARE(file->search(Vela::RegExp(QStringLiteral("left\\s+run")), 0).value(0).text,
-             QStringLiteral("walk left\r\nrun"));
-
-    file->replace(all, QStringLiteral("go %1"));
-    QCOMPARE(file->text(), QStringLiteral("go left\r\nrun\ngo right"));
-    file->undo();
-    QCOMPARE(file->text(), QStringLiteral("walk left\r\nrun\nwalk right"));
-    // Results of another text do no harm.
-    ProjectFile::SearchResult stale;
-    stale.line = 7;
-    stale.length = 1000;
-    file->replace({stale}, QStringLiteral("x"));
-    QCOMPARE(file->text(), QStringLiteral("walk left\r\nrun\nwalk right"));
 }
 
 QTEST_MAIN(tst_LanternFiles)
