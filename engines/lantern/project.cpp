@@ -2,15 +2,97 @@
 #include "lantern/project.h"
 
 #include "lantern/binaryfile.h"
+#include "lantern/line.h"
 #include "lantern/parentproject.h"
-#include "lantern/textfile.h"
+#include "lantern/schema.h"
+#include "lantern/sectioncode.h"
+#include "lantern/settingcode.h"
+#include "lantern/values.h"
 
+#include "code/rootcode.h"
 #include "frame/archive.h"
+#include "frame/interface.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
-#include <QHash>
+#include <QScopedValueRollback>
+#include <QTextBlock>
+
+#include <algorithm>
 
 namespace Lantern {
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Lantern)
+};
+
+// Returns the setting that lists files of a type; null for a type that is not listed.
+const Rule *ruleOfFiles(int type)
+{
+    const QVector<Rule> &all = rules();
+    const auto found = std::find_if(all.begin(), all.end(), [type](const Rule &rule) {
+        return rule.section == FilesSection && rule.fileType == type;
+    });
+    return found == all.end() ? nullptr : &*found;
+}
+
+// Returns the node that a further file of a setting stands behind: the last one of its kind, else
+// the end of the section; null without a section.
+const Vela::CodeNode *placeOf(const Rule &rule, const DefinitionFile &text)
+{
+    const Vela::CodeNode *place = nullptr;
+    bool isOfKind = false;
+    const QList<Vela::CodeNode *> childs = text.root()->childs();
+    for (const Vela::CodeNode *child : childs) {
+        if (child->type() != Vela::CodeNode::Group)
+            continue;
+        const SectionCode &section = static_cast<const SectionCode &>(*child);
+        if (section.kind() != FilesSection)
+            continue;
+        if (!isOfKind)
+            place = &section;
+        const QList<Vela::ValueCode *> values = section.values();
+        for (const Vela::ValueCode *value : values) {
+            const bool fits = static_cast<const SettingCode *>(value)->rule() == &rule;
+            if (fits || !isOfKind)
+                place = value;
+            isOfKind = isOfKind || fits;
+        }
+    }
+    return place;
+}
+
+// Returns what the text says of a file; null if that is nothing. A missing one may be spelled in
+// another case.
+const FileEntry *entryOf(const QVector<FileEntry> &entries, int type, const QString &path)
+{
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const FileEntry &entry) {
+        const Qt::CaseSensitivity spelling =
+            entry.missing ? Qt::CaseInsensitive : Qt::CaseSensitive;
+        return entry.type == type && entry.path.compare(path, spelling) == 0;
+    });
+    return found == entries.end() ? nullptr : &*found;
+}
+
+// Adds the line of a file as one step of undo.
+void addLine(DefinitionFile &text, const Rule &rule, const QString &path)
+{
+    const QString line = rule.key + QLatin1String(" = ") + quotedIfNeeded(path);
+    text.beginChange();
+    if (const Vela::CodeNode *const place = placeOf(rule, text)) {
+        text.insertAfter(place, line, true);
+    } else {
+        const QString end =
+            text.lastBlock().length() > 1 ? QStringLiteral("\n\n") : QStringLiteral("\n");
+        text.insertAfter(nullptr, end + QLatin1String("[files]\n") + line, false);
+    }
+    text.endChange();
+}
+
+} // namespace
 
 Project::Project(ParentProject *parent, DefinitionFile *main)
     : Vela::Project(parent, main->settings().projectType, main, true)
@@ -23,8 +105,13 @@ Project::Project(ParentProject *parent, DefinitionFile *main)
     connect(&m_namesChanged, &QTimer::timeout, this, &Project::passOnNames);
     connect(this, &Project::fileAdded, this,
             [this](const Vela::ProjectFile *, int type) { onFilesChanged(type); });
-    connect(this, &Project::fileRemoved, this,
-            [this](const Vela::ProjectFile *, int type) { onFilesChanged(type); });
+    connect(this, &Project::fileRemoved, this, [this](const Vela::ProjectFile *file, int type) {
+        m_names.remove(file);
+        onFilesChanged(type);
+    });
+    connect(parent, &ParentProject::fileAdded, this, &Project::onFileAdded);
+    connect(parent, &ParentProject::fileOpened, this, &Project::onFileNamed);
+    connect(parent, &ParentProject::fileSaved, this, &Project::onFileNamed);
     matchFiles();
     m_definition->setListener([this] { definitionChanged(); });
     m_namesChanged.stop();
@@ -79,12 +166,19 @@ const Settings *Project::gameSettings() const
     return game && game != this ? &game->definition()->settings() : nullptr;
 }
 
+// All files get new names, and each the same in its folder.
+bool Project::saveAll(Vela::Archive &target, const QString &path, bool copy, QStringList *written)
+{
+    const QScopedValueRollback<bool> takesNames(m_takesNames, true);
+    return Vela::Project::saveAll(target, path, copy, written);
+}
+
 // The files are matched once all of them have been read.
 void Project::reload()
 {
-    m_isReloading = true;
+    m_matchesLater = true;
     Vela::Project::reload();
-    m_isReloading = false;
+    m_matchesLater = false;
     definitionChanged();
 }
 
@@ -98,7 +192,7 @@ void Project::release()
 
 void Project::definitionChanged()
 {
-    if (m_isReloading)
+    if (m_matchesLater)
         return;
     const QList<Dependency> before = m_dependencies;
     matchFiles();
@@ -113,6 +207,7 @@ void Project::definitionChanged()
 // Brings the files in line with the main file.
 void Project::matchFiles()
 {
+    const QScopedValueRollback<bool> takesNames(m_takesNames, true);
     m_dependencies.clear();
     QSet<Dependency> unmatched;
     for (const FileEntry &entry : m_definition->files()) {
@@ -128,15 +223,15 @@ void Project::matchFiles()
 }
 
 // Takes what is there off \a named. A file with changes that are not saved stays, even if it is no
-// longer named, until it has been saved.
+// longer named, until it has been saved. So does one that the text cannot name.
 void Project::removeUnnamedFiles(QSet<Dependency> &named)
 {
-    const int folderLength = absolutePath().size() + 1;
     for (int type = Sprites; type <= Scripts; ++type) {
         const QList<Vela::ProjectFile *> present = filesByType(type);
         for (int i = present.size() - 1; i >= 0; --i) {
-            const QString path = present.at(i)->fileName().mid(folderLength);
-            if (!named.remove(Dependency(type, path)) && !present.at(i)->isModified())
+            const QString path = pathInFolder(*present.at(i));
+            if (!named.remove(Dependency(type, path)) && !path.isEmpty()
+                && !present.at(i)->isModified())
                 removeFile(type, unsigned(i));
         }
     }
@@ -162,13 +257,69 @@ void Project::addFiles(const QSet<Dependency> &missing)
     }
 }
 
+// Returns an empty path for what the text cannot name: a file without a name, one outside of the
+// folder, and one whose name has a sign in it that is none of a name there.
+QString Project::pathInFolder(const Vela::ProjectFile &file) const
+{
+    const QString folder = absolutePath() + QLatin1Char('/');
+    const QString name = file.fileName();
+    const QString path = name.startsWith(folder) ? name.mid(folder.size()) : QString();
+    return insidePath(path) == path ? path : QString();
+}
+
+void Project::onFileAdded(Vela::ProjectFile *file)
+{
+    if (file->project() != this || file == mainFile())
+        return;
+    m_names.insert(file, file->fileName());
+    if (!m_takesNames && !file->fileName().isEmpty())
+        listFile(file);
+}
+
+void Project::onFileNamed(Vela::ProjectFile *file)
+{
+    const QString name = file->fileName();
+    if (file->project() != this || file == mainFile() || m_names.value(file) == name)
+        return;
+    m_names.insert(file, name);
+    if (!m_takesNames)
+        listFile(file);
+}
+
+void Project::listFile(Vela::ProjectFile *file)
+{
+    const QString path = pathInFolder(*file);
+    bool isChanged = false;
+    m_matchesLater = true;
+    for (int type = Sprites; type <= Scripts; ++type) {
+        const Rule *const rule = fileID(file) & (1u << type) ? ruleOfFiles(type) : nullptr;
+        const FileEntry *const entry = entryOf(m_definition->files(), type, path);
+        if (!rule || (entry && !entry->missing))
+            continue;
+        const bool canList = entry || (!path.isEmpty() && !m_definition->isReadOnly());
+        isChanged = isChanged || canList;
+        Vela::Interface *const host = Vela::Interface::instance();
+        if (entry)
+            m_definition->lookForFiles();
+        else if (canList)
+            addLine(*m_definition, *rule, path);
+        else if (host)
+            host->log(Texts::tr("The file '%1' cannot be listed in '%2': it is part of the project "
+                                "only until that is closed.")
+                          .arg(file->fileName(), fileName()));
+    }
+    m_matchesLater = false;
+    if (isChanged)
+        definitionChanged();
+}
+
 void Project::onFilesChanged(int type)
 {
     if (type == Sprites || type == Sounds)
         m_namesChanged.start();
 }
 
-// The motions name sprites and sounds by their files.
+// Motions and scripts name sprites and sounds by their files.
 void Project::passOnNames()
 {
     const QList<Vela::ProjectFile *> present = files();
@@ -190,7 +341,7 @@ Vela::ProjectFile *createContentFile(int type)
     case Vela::Project::Animations:
         return new Document(Scope::Motion);
     case Vela::Project::Scripts:
-        return new TextFile("script");
+        return new Document(Scope::Script);
     default:
         return nullptr;
     }

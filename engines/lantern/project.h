@@ -5,6 +5,7 @@
 
 #include "project/project.h"
 
+#include <QHash>
 #include <QSet>
 #include <QTimer>
 
@@ -14,6 +15,10 @@ class ParentProject;
 
 /// A unit of a game: a character, a stage, a screen, what several of them share, or the game's own
 /// file. It is a child of its parent project, and deletes itself once it has been released.
+///
+/// The main file's text says which files there are. A file that is added, or gets its name, here
+/// instead is written into the text as one step of undo; one outside of the folder cannot be, and
+/// stays without a line until the project is closed.
 class Project : public Vela::Project
 {
     Q_OBJECT
@@ -29,26 +34,35 @@ public:
     QSize stageSize() const override;
     QPointF stageScale() const override;
     void dependencies(QList<Dependency> &files) const override;
+    bool saveAll(Vela::Archive &archive, const QString &path, bool copy,
+                 QStringList *written) override;
     void reload() override;
     void release() override;
 
     DefinitionFile *definition() const;
+    /// Has the texts look again for the sprites and sounds that they name.
+    void passOnNames();
 
 private:
     void definitionChanged();
     void matchFiles();
     void removeUnnamedFiles(QSet<Dependency> &named);
     void addFiles(const QSet<Dependency> &missing);
+    QString pathInFolder(const Vela::ProjectFile &file) const;
+    void onFileAdded(Vela::ProjectFile *file);
+    void onFileNamed(Vela::ProjectFile *file);
+    void listFile(Vela::ProjectFile *file);
     void onFilesChanged(int type);
-    void passOnNames();
     const Settings *gameSettings() const;
 
     ParentProject *const m_parent;
     DefinitionFile *const m_definition;
     QList<Dependency> m_dependencies;
     QString m_name;
-    bool m_isReloading = false;
-    QTimer m_namesChanged; // many files of a list change at once
+    QHash<const Vela::ProjectFile *, QString> m_names; // the last ones that are known
+    bool m_matchesLater = false; // while several changes of the text come at once
+    bool m_takesNames = false;   // while names come from the text, or move along with it
+    QTimer m_namesChanged;       // many files of a list change at once
 };
 
 /// Makes an empty file of a type of Vela::Project::FileType, or returns null.
