@@ -120,8 +120,9 @@ const QVector<ColorInfo> &Colors::table()
          0xffffffff, 0xff1e2126},
         {"line", QT_TRANSLATE_NOOP("Studio::Colors", "Background of the current line"),
          ColorInfo::TextBackground, 0xfff1f5fb, 0xff272b32},
+        // The bands round the cursor are darker than this, or in the dark lighter.
         {"block_range", QT_TRANSLATE_NOOP("Studio::Colors", "Background of the current block"),
-         ColorInfo::TextBackground, 0xffeaf0f6, 0xff2b3038},
+         ColorInfo::TextBackground, 0xfffbfcfe, 0xff15171b},
         {"paren_range", QT_TRANSLATE_NOOP("Studio::Colors", "Background between brackets"),
          ColorInfo::TextBackground, 0xffdcefdc, 0xff28402f},
         {"paren", QT_TRANSLATE_NOOP("Studio::Colors", "Background of matching brackets"),
@@ -207,6 +208,11 @@ QTextCharFormat Colors::format(const QString &key) const
     if (info->style & ColorInfo::Underline)
         standard.setFontUnderline(true);
     return standard;
+}
+
+bool Colors::isFormatChosen(const QString &key) const
+{
+    return m_settings.contains(formatKey(key));
 }
 
 void Colors::setFormat(const QString &key, const QTextCharFormat &format)

@@ -49,6 +49,8 @@ public:
     /// Returns the format of text colours. That of a background colours what is behind the text;
     /// that of an unknown key changes nothing.
     QTextCharFormat format(const QString &key) const;
+    /// Returns whether the user chose the format of a key.
+    bool isFormatChosen(const QString &key) const;
     void setFormat(const QString &key, const QTextCharFormat &format);
     void resetFormat(const QString &key);
 

@@ -5,6 +5,7 @@
 #include "studio/session/projectsession.h"
 #include "studio/window/mainwindow.h"
 #include "studio/window/screenshottour.h"
+#include "studio/window/theme.h"
 #include "version.h"
 
 #include <QApplication>
@@ -57,6 +58,7 @@ int run(const QCommandLineParser &parser)
         Studio::Folders(portable ? Studio::Folders::PortablePlace : Studio::Folders::UserPlace));
     Vela::TextCodecs::initialize();
     const Studio::EngineLoader loader(host.folders().extensionsFolder());
+    const Studio::Theme theme(host.settings());
     Studio::MainWindow window(host);
     const QString path =
         Studio::ProjectSession::normalizedPath(parser.positionalArguments().value(0));

@@ -17,13 +17,15 @@ struct SettingInfo
         AnswerQuestion  ///< a question: 0 asks, 1 answers Yes, anything else No
     };
     /// A setting on no page is asked for by the library, and no editor makes use of it yet.
-    enum Page { NoPage, GeneralPage, FilesPage, QuestionsPage };
+    enum Page { NoPage, GeneralPage, FilesPage, TextPage, QuestionsPage };
 
     Kind kind;
     Page page;
     const char *key;
     QVariant defaultValue;
     const char *text; ///< as for tr() in the context "Studio::Settings"
+    /// What the value, a number from 0, stands for; empty where it is a number only.
+    QVector<const char *> choices = {};
 };
 
 /// A question that the user does not get to see any more.

@@ -11,6 +11,9 @@ namespace Studio {
 EngineLoader::EngineLoader(const QString &folder)
     : m_manager(folder)
 {
+    const QList<Vela::Engine *> all = engines();
+    for (Vela::Engine *engine : all)
+        engine->load();
 }
 
 QList<Vela::Engine *> EngineLoader::engines()

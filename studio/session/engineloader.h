@@ -12,8 +12,8 @@ class Engine;
 
 namespace Studio {
 
-/// Loads the extension modules of a folder and knows the engines among them. A program makes one
-/// behind setGlobalInterface(), and deletes it when every project is closed.
+/// Loads the extension modules of a folder, and the options of the engines among them. A program
+/// makes one behind setGlobalInterface(), and deletes it when every project is closed.
 class EngineLoader
 {
 public:

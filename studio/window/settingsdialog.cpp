@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/settingsdialog.h"
 
+#include "engine/engine.h"
 #include "frame/fileutils.h"
 #include "studio/host.h"
+#include "studio/session/engineloader.h"
 #include "studio/window/colorspage.h"
+#include "studio/window/formatspage.h"
 #include "studio/window/questionspage.h"
 #include "studio/window/shortcutspage.h"
 #include "ui_settingsdialog.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QFontComboBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,6 +22,12 @@
 #include <QSpinBox>
 
 namespace Studio {
+
+namespace {
+
+constexpr int LargestNumber = 200; // the numbers are sizes of fonts
+
+} // namespace
 
 SettingsDialog::SettingsDialog(Host &host, QWidget *parent)
     : QDialog(parent)
@@ -49,15 +60,29 @@ void SettingsDialog::makePages()
 {
     addPage(tr("General"), makePage(SettingInfo::GeneralPage));
     addPage(tr("Files"), makePage(SettingInfo::FilesPage));
+    addPage(tr("Text"), makePage(SettingInfo::TextPage));
     addPage(tr("Colours"), new ColorsPage(m_host.colors()));
+    addPage(tr("Words"), new FormatsPage(m_host.colors()));
     addPage(tr("Questions"), new QuestionsPage(m_settings));
     addPage(tr("Shortcuts"), new ShortcutsPage(m_host.actions()));
+    const QList<Vela::Engine *> engines = EngineLoader::engines();
+    for (Vela::Engine *engine : engines)
+        addEnginePage(*engine);
 }
 
 void SettingsDialog::addPage(const QString &title, QWidget *page)
 {
     m_ui->pageList->addItem(title);
     m_ui->pages->addWidget(page);
+}
+
+// An engine without options leaves its page as it is.
+void SettingsDialog::addEnginePage(Vela::Engine &engine)
+{
+    auto page = std::make_unique<QWidget>();
+    engine.registerCustomOptions(page.get());
+    if (page->layout() || !page->children().isEmpty())
+        addPage(engine.queryString(Vela::Engine::DisplayName, 0), page.release());
 }
 
 QWidget *SettingsDialog::makePage(int page)
@@ -81,6 +106,10 @@ QWidget *SettingsDialog::makeEditor(const SettingInfo &info)
 {
     const QString key = QLatin1String(info.key);
     const QVariant value = m_settings.value(key);
+    if (!info.choices.isEmpty())
+        return makeChoice(info);
+    if (key == QLatin1String("font_name"))
+        return makeFontChoice(key);
     switch (info.defaultValue.userType()) {
     case QMetaType::Bool: {
         auto *box = new QCheckBox(Settings::text(info));
@@ -91,7 +120,7 @@ QWidget *SettingsDialog::makeEditor(const SettingInfo &info)
     }
     case QMetaType::Int: {
         auto *box = new QSpinBox;
-        box->setRange(0, 1000000);
+        box->setRange(1, LargestNumber);
         box->setValue(value.toInt());
         connect(box, qOverload<int>(&QSpinBox::valueChanged), this,
                 [this, key](int number) { m_settings.setValue(key, number); });
@@ -104,6 +133,28 @@ QWidget *SettingsDialog::makeEditor(const SettingInfo &info)
         return edit;
     }
     }
+}
+
+QWidget *SettingsDialog::makeChoice(const SettingInfo &info)
+{
+    const QString key = QLatin1String(info.key);
+    auto *box = new QComboBox;
+    for (const char *choice : info.choices)
+        box->addItem(Settings::tr(choice));
+    box->setCurrentIndex(m_settings.value(key).toInt());
+    connect(box, qOverload<int>(&QComboBox::currentIndexChanged), this,
+            [this, key](int index) { m_settings.setValue(key, index); });
+    return box;
+}
+
+QWidget *SettingsDialog::makeFontChoice(const QString &key)
+{
+    auto *box = new QFontComboBox;
+    box->setFontFilters(QFontComboBox::MonospacedFonts);
+    box->setCurrentFont(QFont(m_settings.value(key).toString()));
+    connect(box, &QFontComboBox::currentFontChanged, this,
+            [this, key](const QFont &font) { m_settings.setValue(key, font.family()); });
+    return box;
 }
 
 void SettingsDialog::exportSettings()

@@ -8,6 +8,10 @@ namespace Ui {
 class SettingsDialog;
 }
 
+namespace Vela {
+class Engine;
+}
+
 namespace Studio {
 
 class Host;
@@ -30,8 +34,11 @@ public:
 private:
     void makePages();
     void addPage(const QString &title, QWidget *page);
+    void addEnginePage(Vela::Engine &engine);
     QWidget *makePage(int page);
     QWidget *makeEditor(const SettingInfo &info);
+    QWidget *makeChoice(const SettingInfo &info);
+    QWidget *makeFontChoice(const QString &key);
     void exportSettings();
     void importSettings();
 
