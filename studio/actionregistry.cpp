@@ -4,6 +4,7 @@
 #include "frame/menu.h"
 #include "frame/translator.h"
 #include "studio/icons.h"
+#include "studio/libraryactions.h"
 #include "studio/settings.h"
 #include "studio/signature.h"
 
@@ -17,19 +18,6 @@ namespace Studio {
 namespace {
 
 const QLatin1String shortcutGroup("shortcut/");
-
-// Editors bring their actions without shortcuts; these are the program's.
-QKeySequence editorShortcut(const QString &key)
-{
-    static const QHash<QString, QKeySequence> shortcuts = {
-        {QStringLiteral("editor_code"), Qt::CTRL + Qt::Key_1},
-        {QStringLiteral("editor_anim"), Qt::CTRL + Qt::Key_2},
-        {QStringLiteral("editor_spr"), Qt::CTRL + Qt::Key_3},
-        {QStringLiteral("editor_snd"), Qt::CTRL + Qt::Key_4},
-        {QStringLiteral("editor_emul"), Qt::CTRL + Qt::Key_5},
-    };
-    return shortcuts.value(key);
-}
 
 void setText(QAction *action, const Vela::Translator &translator, int id)
 {
@@ -82,7 +70,8 @@ QAction *ActionRegistry::createEditorAction(const QString &key, const Vela::Tran
 {
     ActionSpec spec;
     spec.key = key;
-    spec.shortcut = editorShortcut(key);
+    spec.place = QLatin1String(LibraryAction::of(key).place);
+    spec.shortcut = LibraryAction::of(key).shortcut;
     QAction *action = create(spec, {translator, textId, true, nullptr, nullptr, nullptr}, nullptr);
     m_editorActions->addAction(action);
     return action;

@@ -7,6 +7,7 @@
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "studio/icons.h"
+#include "studio/libraryactions.h"
 #include "studio/progress.h"
 #include "studio/toolbararea.h"
 #include "version.h"
@@ -201,10 +202,10 @@ void Host::setCurrentToolBarArea(const QString &name)
 QString Host::translate(int id) const
 {
     switch (id) {
-    case BrokenConfigurationTitle:
-        return tr("Broken engine configuration");
-    case BrokenConfiguration:
-        return tr("The configuration of an engine cannot be read: %1 (line %2, column %3).");
+    case BrokenFileTitle:
+        return tr("Broken file");
+    case BrokenFile:
+        return tr("The file cannot be read as XML: %1 (line %2, column %3).");
     default:
         return QString();
     }
@@ -343,6 +344,9 @@ QAction *Host::createAction(const char *scope, const char *key, Vela::Translator
     ActionSpec spec;
     spec.key = QString::fromUtf8(key);
     spec.scope = QString::fromUtf8(scope);
+    const LibraryAction known = LibraryAction::of(spec.key);
+    spec.place = QLatin1String(known.place);
+    spec.shortcut = known.shortcut;
     return m_actions.create(spec, {translator, textId, checkable, receiver, slot, enableSignal},
                             menu);
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "editor/editor.h"
+#include "editor/extraeditor.h"
+#include "editor/workspace.h"
 #include "frame/interface.h"
 #include "studio/actionregistry.h"
 #include "studio/colors.h"
@@ -13,11 +16,6 @@
 #include <QObject>
 #include <QPointer>
 #include <memory>
-
-// The host passes these on in its signals and never looks into them.
-Q_DECLARE_OPAQUE_POINTER(Vela::Editor *)
-Q_DECLARE_OPAQUE_POINTER(Vela::ExtraEditor *)
-Q_DECLARE_OPAQUE_POINTER(Vela::Workspace *)
 
 namespace Studio {
 
@@ -34,7 +32,7 @@ class Host : public QObject, public Vela::Interface
 
 public:
     /// The host's own texts; see translate().
-    enum TextId { BrokenConfigurationTitle = 0, BrokenConfiguration = 1 };
+    enum TextId { BrokenFileTitle = 0, BrokenFile = 1 };
 
     explicit Host(const Folders &folders);
     ~Host() override;

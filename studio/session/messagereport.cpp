@@ -64,7 +64,7 @@ MessageReport::MessageReport(const Vela::ParentProject &parent)
             if (!messages || known.contains(messages))
                 continue;
             known.insert(messages);
-            m_records += recordsOf(relativeToRoot(parent, file->fileName()), *messages);
+            m_records += recordsOf(pathOf(parent, *file), *messages);
         }
     }
 }

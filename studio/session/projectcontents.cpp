@@ -17,6 +17,7 @@ namespace {
 
 constexpr int TypeBits = 32;
 constexpr qint64 BlockSize = 64 * 1024;
+const QString workingNameKey = QStringLiteral("studio_working_name");
 
 QString joined(const QString &folder, const QString &name)
 {
@@ -153,6 +154,17 @@ QString relativeToRoot(const Vela::ParentProject &parent, const QString &path)
         return QString();
     const QString prefix = root.endsWith(QLatin1Char('/')) ? root : root + QLatin1Char('/');
     return name.startsWith(prefix) ? name.mid(prefix.size()) : name;
+}
+
+QString pathOf(const Vela::ParentProject &parent, const Vela::ProjectFile &file)
+{
+    const QString name = file.fileName();
+    return name.isEmpty() ? file.option(workingNameKey).toString() : relativeToRoot(parent, name);
+}
+
+void setWorkingName(Vela::ProjectFile &file, const QString &name)
+{
+    file.setOption(workingNameKey, name.isEmpty() ? QVariant() : QVariant(name), false, false);
 }
 
 QString projectFolder(const Vela::Project &project)

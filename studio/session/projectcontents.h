@@ -30,6 +30,13 @@ QString rootPath(const Vela::ParentProject &parent);
 /// \a parent. A path outside the root comes back absolute.
 QString relativeToRoot(const Vela::ParentProject &parent, const QString &path);
 
+/// Returns the path of a file relative to the root, and of one that was never saved the name that
+/// it has until then.
+QString pathOf(const Vela::ParentProject &parent, const Vela::ProjectFile &file);
+
+/// Sets, or with an empty one removes, the name that a file has until it is saved.
+void setWorkingName(Vela::ProjectFile &file, const QString &name);
+
 /// Returns the project's folder relative to the root; empty for the root itself.
 QString projectFolder(const Vela::Project &project);
 

@@ -253,7 +253,7 @@ QStringList ProjectSession::modifiedFiles() const
     QStringList result;
     const QList<Vela::ProjectFile *> files = modifiedProjectFiles(*m_parent);
     for (const Vela::ProjectFile *file : files)
-        result.append(relativeToRoot(*m_parent, file->fileName()));
+        result.append(pathOf(*m_parent, *file));
     result.removeDuplicates();
     return result;
 }
@@ -270,16 +270,28 @@ void ProjectSession::beginSave(Vela::ProgressProvider *provider)
     const QList<Vela::ProjectFile *> files = modifiedProjectFiles(*m_parent);
     for (Vela::ProjectFile *file : files) {
         const Vela::CodeDocument *document = documentOf(file);
-        m_toSave.insert(relativeToRoot(*m_parent, file->fileName()),
-                        document ? document->revision() : 0);
+        m_toSave.insert(pathOf(*m_parent, *file), document ? document->revision() : 0);
     }
     m_parent->save(provider);
     // A project has its own name and place from its main file, and nobody can do without them.
     const QList<Vela::Project *> projects = m_parent->openedProjects();
     for (const Vela::Project *project : projects) {
-        if (const Vela::CodeDocument *main = documentOf(project->mainFile()))
+        if (Vela::CodeDocument *main = documentOf(project->mainFile())) {
             main->waitForSave();
+            saveAgain(*main);
+        }
     }
+}
+
+// A file that got its name just now may be listed in a main file that was through before.
+void ProjectSession::saveAgain(Vela::CodeDocument &main)
+{
+    const QString path = pathOf(*m_parent, main);
+    if (!main.isModified() || !main.fileExists() || main.isReadOnly()
+        || (m_toSave.contains(path) && !isEditedSince(&main, m_toSave.value(path))))
+        return;
+    m_toSave.insert(path, main.revision());
+    main.toFile(main.archive(), main.fileName(), 0, nullptr);
 }
 
 bool ProjectSession::isSaving() const
@@ -295,7 +307,7 @@ QStringList ProjectSession::finishSave()
     QStringList unsaved;
     const QList<Vela::ProjectFile *> files = modifiedProjectFiles(*m_parent);
     for (Vela::ProjectFile *file : files) {
-        const QString path = relativeToRoot(*m_parent, file->fileName());
+        const QString path = pathOf(*m_parent, *file);
         if (m_toSave.contains(path) && !isEditedSince(file, m_toSave.value(path)))
             unsaved.append(path);
     }

@@ -9,6 +9,7 @@
 #include <memory>
 
 namespace Vela {
+class CodeDocument;
 class Engine;
 class JobStats;
 class ProgressProvider;
@@ -95,6 +96,8 @@ private:
     Q_DISABLE_COPY(ProjectSession)
 
     ProjectSession(Vela::ParentProject *parent, const QString &path);
+
+    void saveAgain(Vela::CodeDocument &main);
 
     std::unique_ptr<Vela::ParentProject> m_parent;
     QString m_path;

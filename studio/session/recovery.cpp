@@ -115,15 +115,6 @@ InterruptedSave describe(const QFileInfo &temporary, const QFileInfo &target)
     return save;
 }
 
-QString freeName(const QString &target)
-{
-    const QString base = target + QStringLiteral(".before-recovery");
-    QString name = base;
-    for (int i = 2; QFileInfo::exists(name); ++i)
-        name = base + QLatin1Char('-') + QString::number(i);
-    return name;
-}
-
 bool move(const QString &from, const QString &to, QString *error)
 {
     QFile file(from);
@@ -188,7 +179,7 @@ bool Recovery::recover(const InterruptedSave &save, QString *kept, QString *erro
     if (sameContent(disk, save.target, disk, save.temporary))
         return discard(save, error);
 
-    const QString name = freeName(save.target);
+    const QString name = freeName(save.target + QStringLiteral(".before-recovery"));
     if (!move(save.target, name, error))
         return false;
     if (!move(save.temporary, save.target, error)) {
@@ -198,6 +189,14 @@ bool Recovery::recover(const InterruptedSave &save, QString *kept, QString *erro
     }
     *kept = name;
     return true;
+}
+
+QString Recovery::freeName(const QString &name)
+{
+    QString free = name;
+    for (int i = 2; QFileInfo::exists(free); ++i)
+        free = name + QLatin1Char('-') + QString::number(i);
+    return free;
 }
 
 bool Recovery::discard(const InterruptedSave &save, QString *error)

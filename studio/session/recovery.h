@@ -56,6 +56,8 @@ public:
     /// stays beside it under the name of \a kept, which is empty where there was nothing to keep.
     /// Returns false, with the reason in \a error and both contents still there, on failure.
     static bool recover(const InterruptedSave &save, QString *kept, QString *error);
+    /// Returns \a name, or where there is such a file already the same with a number behind.
+    static QString freeName(const QString &name);
     /// Removes the temporary file. Returns false, with the reason in \a error, on failure.
     static bool discard(const InterruptedSave &save, QString *error);
 };
