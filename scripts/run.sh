@@ -39,9 +39,20 @@ fi
 # The tour saves and restores: it works on a copy, with settings of its own.
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-mkdir -p "$screenshots"
-cp -r "$project" "$scratch/meadow"
-XDG_CONFIG_HOME=$scratch/config XDG_DATA_HOME=$scratch/data scripts/with_display.sh \
-  "$studio" --screenshots "$(realpath "$screenshots")" "$scratch/meadow" ||
-  fail "the tour of screenshots did not come to its end"
+
+# tour SCALE SCREEN FOLDER
+tour() {
+  local folder=$3
+  mkdir -p "$folder"
+  cp -r "$project" "$scratch/$1"
+  QT_SCALE_FACTOR=$1 VELA_SCREEN=$2 XDG_CONFIG_HOME=$scratch/$1-config \
+    XDG_DATA_HOME=$scratch/$1-data scripts/with_display.sh \
+    "$studio" --screenshots "$(realpath "$folder")" "$scratch/$1" ||
+    fail "the tour of screenshots did not come to its end"
+}
+
+# The same on screens of high density.
+tour 1 1440x900 "$screenshots"
+tour 1.5 2160x1350 "$screenshots/scale-1.5"
+tour 2 2880x1800 "$screenshots/scale-2"
 ls "$screenshots"/*.png

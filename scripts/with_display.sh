@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs a command on an X display of its own, with a software renderer and a fixed screen.
+# Runs a command on an X display of its own, with a software renderer and a fixed screen, whose size
+# VELA_SCREEN may say.
 set -euo pipefail
 
 command -v xvfb-run >/dev/null || {
@@ -7,4 +8,4 @@ command -v xvfb-run >/dev/null || {
   exit 1
 }
 export QT_QPA_PLATFORM=xcb LIBGL_ALWAYS_SOFTWARE=1
-exec xvfb-run --auto-servernum --server-args="-screen 0 1440x900x24" "$@"
+exec xvfb-run --auto-servernum --server-args="-screen 0 ${VELA_SCREEN:-1440x900}x24" "$@"

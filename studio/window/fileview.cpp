@@ -2,21 +2,29 @@
 #include "studio/window/fileview.h"
 
 #include "code/codedocument.h"
+#include "editor/codeeditor.h"
+#include "editor/codefileeditor.h"
+#include "editor/codeworkspace.h"
 #include "frame/archive.h"
+#include "studio/colors.h"
 #include "studio/session/documents.h"
+#include "studio/window/editors.h"
 #include "studio/window/filecontent.h"
 #include "studio/window/findbar.h"
 #include "studio/window/imagepreview.h"
 #include "studio/window/notelabel.h"
+#include "studio/window/textplaces.h"
 
 #include <QDir>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace Studio {
 
@@ -36,17 +44,23 @@ bool isUnreadable(const Vela::CodeDocument &document)
 
 } // namespace
 
-FileView::FileView(const Colors &colors, QWidget *parent)
+FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     : QWidget(parent)
+    , m_editors(editors)
+    , m_colors(colors)
     , m_title(new QLabel)
     , m_note(new NoteLabel)
     , m_pages(new QStackedWidget)
+    , m_editor(editors.code().editor())
     , m_text(new TextView(colors))
     , m_image(new ImagePreview)
     , m_words(new NoteLabel)
     , m_findBar(new FindBar(colors))
     , m_syntax(colors)
 {
+    m_editor->setObjectName(QStringLiteral("codeEditor"));
+    m_editor->setAccessibleName(tr("Text of the file"));
+    m_editor->viewport()->installEventFilter(this);
     m_text->setObjectName(QStringLiteral("textView"));
     m_text->setAccessibleName(tr("Text of the file"));
     m_image->setObjectName(QStringLiteral("imagePreview"));
@@ -54,6 +68,7 @@ FileView::FileView(const Colors &colors, QWidget *parent)
     m_words->setObjectName(QStringLiteral("noPreview"));
     m_words->setAlignment(Qt::AlignCenter);
     m_pages->addWidget(m_words);
+    m_pages->addWidget(m_editors.code().widget());
     m_pages->addWidget(m_text);
     m_pages->addWidget(m_image);
 
@@ -63,9 +78,15 @@ FileView::FileView(const Colors &colors, QWidget *parent)
     layout->addLayout(makeHeader());
     layout->addWidget(m_pages);
     layout->addWidget(m_findBar);
-    connectText();
+    connectText(*m_editor);
+    connectText(*m_text);
     connectFindBar();
     setFile(nullptr, QString());
+}
+
+FileView::~FileView()
+{
+    m_editors.code().widget()->setParent(nullptr);
 }
 
 QLayout *FileView::makeHeader()
@@ -83,12 +104,12 @@ QLayout *FileView::makeHeader()
     return header;
 }
 
-void FileView::connectText()
+void FileView::connectText(QPlainTextEdit &text)
 {
-    connect(m_text, &QPlainTextEdit::cursorPositionChanged, this, &FileView::tellPosition);
-    connect(m_text, &QPlainTextEdit::undoAvailable, this, &FileView::historyChanged);
-    connect(m_text, &QPlainTextEdit::redoAvailable, this, &FileView::historyChanged);
-    connect(m_text, &QPlainTextEdit::textChanged, this, [this] {
+    connect(&text, &QPlainTextEdit::cursorPositionChanged, this, &FileView::tellPosition);
+    connect(&text, &QPlainTextEdit::undoAvailable, this, &FileView::historyChanged);
+    connect(&text, &QPlainTextEdit::redoAvailable, this, &FileView::historyChanged);
+    connect(&text, &QPlainTextEdit::textChanged, this, [this] {
         if (m_document)
             Q_EMIT edited();
     });
@@ -99,15 +120,17 @@ void FileView::connectFindBar()
     connect(m_findBar, &FindBar::findWanted, this, &FileView::findNext);
     connect(m_findBar, &FindBar::replaceWanted, this, &FileView::replaceOne);
     connect(m_findBar, &FindBar::replaceAllWanted, this, &FileView::replaceAll);
+    connect(m_findBar, &FindBar::findEverywhereWanted, this, &FileView::findEverywhereWanted);
     connect(m_findBar, &FindBar::closeWanted, this, [this] {
         m_findBar->hide();
-        m_pages->currentWidget()->setFocus();
+        m_editor->setSearchSelections({});
+        focusText();
     });
 }
 
 void FileView::setFile(Vela::ProjectFile *file, const QString &path)
 {
-    if (textView())
+    if (textEdit() == m_text)
         m_places.insert(m_path, m_text->place());
     m_file = file;
     m_path = path;
@@ -115,19 +138,29 @@ void FileView::setFile(Vela::ProjectFile *file, const QString &path)
     if (file)
         file->isEmpty();
     m_document = documentOf(file);
-    if (m_document && isUnreadable(*m_document))
+    if (!m_document || isUnreadable(*m_document) || !edit()) {
         m_document = nullptr;
-    m_text->setLiveDocument(m_document, m_document && m_document->canSave());
-    if (m_document)
-        m_syntax.refresh(*m_document);
-    else
+        m_editors.leave();
         m_text->clear();
+    }
     showContent();
-    if (textView())
-        m_text->setPlace(m_places.value(path));
-    else
+    if (!m_document)
         m_findBar->hide();
+    if (textEdit() == m_text)
+        m_text->setPlace(m_places.value(path));
     setModifiedMark(file && file->isModified());
+}
+
+// Returns false if there is no editor for the definition text.
+bool FileView::edit()
+{
+    Vela::CodeFileEditor *editor = m_editors.editorOf(*m_file);
+    if (!editor)
+        return false;
+    m_syntax.refresh(*m_document);
+    m_editors.show(*editor, *m_file);
+    m_editor->setReadOnly(!m_document->canSave());
+    return true;
 }
 
 Vela::ProjectFile *FileView::file() const
@@ -152,7 +185,7 @@ void FileView::refresh()
         return setFile(m_file, m_path);
     const TextView::Place place = m_text->place();
     showContent();
-    if (textView() && !m_document)
+    if (textEdit() == m_text)
         m_text->setPlace(place);
 }
 
@@ -166,13 +199,21 @@ void FileView::setModifiedMark(bool modified)
 
 void FileView::goTo(int line, int column)
 {
-    if (textView())
-        m_text->goTo(line, column);
+    if (textEdit())
+        goToPlace(*textEdit(), line, column);
 }
 
-TextView *FileView::textView() const
+QPlainTextEdit *FileView::textEdit() const
 {
-    return m_pages->currentWidget() == m_text ? m_text : nullptr;
+    if (m_pages->currentWidget() == m_text)
+        return m_text;
+    return m_document ? m_editor : nullptr;
+}
+
+void FileView::focusText()
+{
+    if (textEdit())
+        textEdit()->setFocus();
 }
 
 void FileView::updateColors()
@@ -191,6 +232,43 @@ void FileView::changeEvent(QEvent *event)
         updateColors();
 }
 
+// Over the text the wheel zooms with Ctrl, and what is dragged in from outside is the window's to
+// open, and no text.
+bool FileView::eventFilter(QObject *watched, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Wheel: {
+        const auto *wheel = static_cast<QWheelEvent *>(event);
+        if (!(wheel->modifiers() & Qt::ControlModifier))
+            break;
+        zoom(wheel->angleDelta().y());
+        return true;
+    }
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+        if (!static_cast<QDropEvent *>(event)->mimeData()->hasUrls())
+            break;
+        event->ignore();
+        return true;
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// A touchpad turns the wheel by many small parts of a step.
+void FileView::zoom(int turn)
+{
+    m_wheelTurn += turn;
+    for (; m_wheelTurn >= QWheelEvent::DefaultDeltasPerStep;
+         m_wheelTurn -= QWheelEvent::DefaultDeltasPerStep)
+        m_editors.code().zoomIn();
+    for (; m_wheelTurn <= -QWheelEvent::DefaultDeltasPerStep;
+         m_wheelTurn += QWheelEvent::DefaultDeltasPerStep)
+        m_editors.code().zoomOut();
+}
+
 void FileView::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape && m_findBar->isVisible())
@@ -202,8 +280,8 @@ void FileView::keyPressEvent(QKeyEvent *event)
 void FileView::showContent()
 {
     if (m_document) {
-        m_note->setText(m_text->isReadOnly() ? tr("Read-only view") : QString());
-        m_pages->setCurrentWidget(m_text);
+        m_note->setText(m_editor->isReadOnly() ? tr("Read-only view") : QString());
+        m_pages->setCurrentWidget(m_editors.code().widget());
     } else {
         showPreview();
     }
@@ -242,33 +320,54 @@ void FileView::showPreview()
 
 void FileView::tellPosition()
 {
-    const QTextCursor cursor = m_text->textCursor();
-    if (textView())
-        Q_EMIT positionChanged(cursor.blockNumber(), cursor.positionInBlock());
-    else
+    const QTextCursor cursor = textEdit() ? textEdit()->textCursor() : QTextCursor();
+    if (cursor.isNull())
         Q_EMIT positionChanged(-1, -1);
+    else
+        Q_EMIT positionChanged(cursor.blockNumber(), cursor.positionInBlock());
 }
 
 void FileView::openFindBar(bool replacing)
 {
-    if (!textView())
+    if (!m_document)
         return;
-    const QString selected = m_text->textCursor().selectedText();
-    m_findBar->open(selected.contains(QChar::ParagraphSeparator) ? QString() : selected,
-                    replacing && !m_text->isReadOnly());
+    m_findBar->open(selectedWords(), replacing && !textEdit()->isReadOnly());
+}
+
+QString FileView::selectedWords() const
+{
+    const QString selected = textEdit() ? textEdit()->textCursor().selectedText() : QString();
+    return selected.contains(QChar::ParagraphSeparator) ? QString() : selected;
+}
+
+SearchTerm FileView::searchTerm() const
+{
+    if (m_findBar->isVisible())
+        return m_findBar->term();
+    return {selectedWords(), false, false, false};
+}
+
+void FileView::showMatch(int line, int column, int length)
+{
+    if (!textEdit())
+        return;
+    selectText(*textEdit(), line, column, length);
+    focusText();
 }
 
 void FileView::findNext(bool backward)
 {
     const SearchTerm term = m_findBar->term();
-    if (!textView() || term.text.isEmpty())
+    if (!m_document || term.text.isEmpty())
         return openFindBar(false);
     const Vela::RegExp expression = term.expression();
     if (!expression.isValid())
         return;
     const unsigned int flags =
         m_findBar->takeFlags() | (backward ? Vela::CodeDocument::Backward : 0u);
-    tellOutcome(TextSearch(*m_file, *m_text).find(expression, flags));
+    tellOutcome(TextSearch(*m_document, *m_editor).find(expression, flags));
+    if (m_findBar->isVisible())
+        highlightMatches(expression);
 }
 
 void FileView::replaceOne()
@@ -276,7 +375,7 @@ void FileView::replaceOne()
     const Vela::RegExp expression = m_findBar->term().expression();
     if (!canReplace(expression))
         return;
-    TextSearch(*m_file, *m_text).replace(expression, m_findBar->replacement());
+    TextSearch(*m_document, *m_editor).replace(expression, m_findBar->replacement());
     findNext(false);
 }
 
@@ -285,13 +384,15 @@ void FileView::replaceAll()
     const Vela::RegExp expression = m_findBar->term().expression();
     if (!canReplace(expression))
         return;
-    const int count = TextSearch(*m_file, *m_text).replaceAll(expression, m_findBar->replacement());
+    const int count =
+        TextSearch(*m_document, *m_editor).replaceAll(expression, m_findBar->replacement());
     m_findBar->showNote(count == 0 ? tr("Not found.") : tr("Replaced: %1").arg(count), count == 0);
+    m_editor->setSearchSelections({});
 }
 
 bool FileView::canReplace(const Vela::RegExp &expression) const
 {
-    return m_document && !m_text->isReadOnly() && expression.isValid()
+    return m_document && !m_editor->isReadOnly() && expression.isValid()
         && !m_findBar->term().text.isEmpty();
 }
 
@@ -305,6 +406,16 @@ void FileView::tellOutcome(TextSearch::Outcome outcome)
     default:
         return m_findBar->showNote(tr("Not found."), true);
     }
+}
+
+void FileView::highlightMatches(const Vela::RegExp &expression)
+{
+    const QTextCharFormat format = m_colors.format(QStringLiteral("search"));
+    QList<QTextEdit::ExtraSelection> marks;
+    const QList<QTextCursor> matches = TextSearch(*m_document, *m_editor).matchesNearby(expression);
+    for (const QTextCursor &match : matches)
+        marks.append({match, format});
+    m_editor->setSearchSelections(marks);
 }
 
 } // namespace Studio

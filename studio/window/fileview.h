@@ -9,27 +9,32 @@
 #include <QWidget>
 
 class QLabel;
+class QPlainTextEdit;
 class QStackedWidget;
 
 namespace Vela {
 class CodeDocument;
+class CodeEditor;
 class ProjectFile;
 } // namespace Vela
 
 namespace Studio {
 
 class Colors;
+class Editors;
 class FindBar;
 class ImagePreview;
 
-/// Shows the content of one file: a definition text, to be edited, another text or an image, to be
-/// looked at, or a few words about any other. Finds in texts.
+/// Shows the content of one file: a definition text, in the workspace of its editor, another text
+/// or an image, to be looked at, or a few words about any other. Finds in texts.
 class FileView : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit FileView(const Colors &colors, QWidget *parent = nullptr);
+    FileView(Editors &editors, const Colors &colors, QWidget *parent = nullptr);
+    /// Gives the workspaces' widgets back.
+    ~FileView() override;
 
     /// Shows \a file, which must live until the next call, under \a path. Null shows nothing. A
     /// path that was shown before comes back as it was left.
@@ -37,7 +42,7 @@ public:
     Vela::ProjectFile *file() const;
     /// Returns the definition text that is edited here, or null.
     Vela::CodeDocument *document() const;
-    /// Forgets how the files were left.
+    /// Forgets how the files that are only looked at were left.
     void forgetPlaces();
     /// Reads the content again and keeps the place in a text.
     void refresh();
@@ -45,13 +50,19 @@ public:
     void setModifiedMark(bool modified);
     /// Goes to a place in a text; \a line and \a column are from 0.
     void goTo(int line, int column);
-    /// Returns null if the file is no text.
-    TextView *textView() const;
+    /// Returns where the file's text is shown, or null if it is none.
+    QPlainTextEdit *textEdit() const;
+    /// Gives the focus to the file's text, if it has one.
+    void focusText();
     /// Takes the colours anew.
     void updateColors();
 
     /// Asks what to find, and with \a replacing what to put there, in a text.
     void openFindBar(bool replacing);
+    /// Returns what the find bar asks for, or else the words that are selected.
+    SearchTerm searchTerm() const;
+    /// Selects a match in the text.
+    void showMatch(int line, int column, int length);
     /// Goes to the next match of what was asked for, or to the one before; asks if nothing was.
     void findNext(bool backward);
 
@@ -62,15 +73,21 @@ Q_SIGNALS:
     void edited();
     /// Something can be undone or redone now, or no longer.
     void historyChanged();
+    /// All matches in all files are asked for.
+    void findEverywhereWanted();
 
 protected:
     void changeEvent(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QLayout *makeHeader();
-    void connectText();
+    void connectText(QPlainTextEdit &text);
     void connectFindBar();
+    QString selectedWords() const;
+    bool edit();
+    void zoom(int turn);
     void showContent();
     void showPreview();
     void tellPosition();
@@ -78,7 +95,10 @@ private:
     void replaceAll();
     bool canReplace(const Vela::RegExp &expression) const;
     void tellOutcome(TextSearch::Outcome outcome);
+    void highlightMatches(const Vela::RegExp &expression);
 
+    Editors &m_editors;
+    const Colors &m_colors;
     Vela::ProjectFile *m_file = nullptr;
     Vela::CodeDocument *m_document = nullptr;
     QString m_path;
@@ -86,12 +106,14 @@ private:
     QLabel *m_title;
     QLabel *m_note;
     QStackedWidget *m_pages;
+    Vela::CodeEditor *m_editor; ///< of the workspace of definition texts
     TextView *m_text;
     ImagePreview *m_image;
     QLabel *m_words;
     FindBar *m_findBar;
     SyntaxColors m_syntax;
     QHash<QString, TextView::Place> m_places;
+    int m_wheelTurn = 0; ///< of the wheel that did not zoom yet, in eighths of a degree
 };
 
 } // namespace Studio

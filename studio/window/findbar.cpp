@@ -16,15 +16,14 @@ namespace Studio {
 FindBar::FindBar(const Colors &colors, QWidget *parent)
     : QWidget(parent)
     , m_colors(colors)
-    , m_find(makeEdit("findText", tr("Find")))
-    , m_replace(makeEdit("replaceText", tr("Replace with")))
-    , m_case(makeOption("findCase", tr("Aa"), tr("Match case")))
-    , m_words(makeOption("findWords", tr("Word"), tr("Whole words only")))
-    , m_expression(makeOption("findExpression", tr(".*"), tr("Regular expression")))
-    , m_wrap(makeOption("findWrap", tr("Wrap"), tr("Go on at the other end of the text")))
-    , m_edge(makeOption("findEdge", tr("From start"),
-                        tr("Begin the next search at the start of the text, or backward at its "
-                           "end")))
+    , m_find(makeSearchEdit("findText", tr("Find")))
+    , m_replace(makeSearchEdit("replaceText", tr("Replace with")))
+    , m_options("find")
+    , m_wrap(makeSearchOption("findWrap", tr("Wrap"), tr("Go on at the other end of the text")))
+    , m_edge(
+          makeSearchOption("findEdge", tr("From start"),
+                           tr("Begin the next search at the start of the text, or backward at its "
+                              "end")))
     , m_replaceRow(new QWidget)
     , m_note(new QLabel)
 {
@@ -36,16 +35,19 @@ FindBar::FindBar(const Colors &colors, QWidget *parent)
     m_note->setTextFormat(Qt::PlainText);
     m_note->setWordWrap(true);
 
-    auto *previous = makeButton("findPrevious", tr("Previous"), tr("Find the match before"));
-    auto *next = makeButton("findNext", tr("Next"), tr("Find the next match"));
-    auto *close = makeButton("findClose", tr("Close"), tr("Close the find bar"));
+    auto *previous = makeSearchButton("findPrevious", tr("Previous"), tr("Find the match before"));
+    auto *next = makeSearchButton("findNext", tr("Next"), tr("Find the next match"));
+    auto *everywhere =
+        makeSearchButton("findEverywhere", tr("All Files"), tr("List the matches in all files"));
+    auto *close = makeSearchButton("findClose", tr("Close"), tr("Close the find bar"));
     auto *findRow = new QHBoxLayout;
     findRow->addWidget(m_find, 1);
-    for (QWidget *button : {previous, next, close})
+    for (QWidget *button : {previous, next, everywhere, close})
         findRow->addWidget(button);
     auto *replace =
-        makeButton("replaceOne", tr("Replace"), tr("Replace this match, find the next"));
-    auto *all = makeButton("replaceAll", tr("Replace All"), tr("Replace every match in the text"));
+        makeSearchButton("replaceOne", tr("Replace"), tr("Replace this match, find the next"));
+    auto *all =
+        makeSearchButton("replaceAll", tr("Replace All"), tr("Replace every match in the text"));
     auto *replaceRow = new QHBoxLayout(m_replaceRow);
     replaceRow->setContentsMargins(0, 0, 0, 0);
     replaceRow->addWidget(m_replace, 1);
@@ -53,7 +55,8 @@ FindBar::FindBar(const Colors &colors, QWidget *parent)
     replaceRow->addWidget(all);
     // In one row with the line they would make the window wide.
     auto *optionsRow = new QHBoxLayout;
-    for (QWidget *option : {m_case, m_words, m_expression, m_wrap, m_edge})
+    for (QWidget *option :
+         {m_options.matchesCase, m_options.isWholeWords, m_options.isExpression, m_wrap, m_edge})
         optionsRow->addWidget(option);
     optionsRow->addStretch();
     auto *layout = new QVBoxLayout(this);
@@ -66,40 +69,13 @@ FindBar::FindBar(const Colors &colors, QWidget *parent)
 
     connect(next, &QToolButton::clicked, this, [this] { Q_EMIT findWanted(false); });
     connect(previous, &QToolButton::clicked, this, [this] { Q_EMIT findWanted(true); });
+    connect(everywhere, &QToolButton::clicked, this, &FindBar::findEverywhereWanted);
     connect(close, &QToolButton::clicked, this, &FindBar::closeWanted);
     connect(replace, &QToolButton::clicked, this, &FindBar::replaceWanted);
     connect(all, &QToolButton::clicked, this, &FindBar::replaceAllWanted);
     connect(m_find, &QLineEdit::textChanged, this, &FindBar::checkTerm);
-    connect(m_expression, &QToolButton::toggled, this, &FindBar::checkTerm);
+    connect(m_options.isExpression, &QToolButton::toggled, this, &FindBar::checkTerm);
     hide();
-}
-
-QLineEdit *FindBar::makeEdit(const char *name, const QString &label)
-{
-    auto *edit = new QLineEdit;
-    edit->setObjectName(QLatin1String(name));
-    edit->setAccessibleName(label);
-    edit->setPlaceholderText(label);
-    edit->setClearButtonEnabled(true);
-    return edit;
-}
-
-QToolButton *FindBar::makeButton(const char *name, const QString &text, const QString &tip)
-{
-    auto *button = new QToolButton;
-    button->setObjectName(QLatin1String(name));
-    button->setText(text);
-    button->setToolTip(tip);
-    button->setAccessibleName(tip);
-    button->setAutoRaise(true);
-    return button;
-}
-
-QToolButton *FindBar::makeOption(const char *name, const QString &text, const QString &tip)
-{
-    QToolButton *button = makeButton(name, text, tip);
-    button->setCheckable(true);
-    return button;
 }
 
 void FindBar::open(const QString &text, bool withReplace)
@@ -116,7 +92,7 @@ void FindBar::open(const QString &text, bool withReplace)
 
 SearchTerm FindBar::term() const
 {
-    return {m_find->text(), m_case->isChecked(), m_words->isChecked(), m_expression->isChecked()};
+    return m_options.term(*m_find);
 }
 
 QString FindBar::replacement() const

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "studio/window/textsearch.h"
+#include "studio/window/searchcontrols.h"
 
 #include <QWidget>
 
@@ -38,23 +38,20 @@ Q_SIGNALS:
     void findWanted(bool backward);
     void replaceWanted();
     void replaceAllWanted();
+    /// All matches in all files are asked for.
+    void findEverywhereWanted();
     void closeWanted();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    QLineEdit *makeEdit(const char *name, const QString &label);
-    QToolButton *makeOption(const char *name, const QString &text, const QString &tip);
-    QToolButton *makeButton(const char *name, const QString &text, const QString &tip);
     void checkTerm();
 
     const Colors &m_colors;
     QLineEdit *m_find;
     QLineEdit *m_replace;
-    QToolButton *m_case;
-    QToolButton *m_words;
-    QToolButton *m_expression;
+    TermOptions m_options;
     QToolButton *m_wrap;
     QToolButton *m_edge;
     QWidget *m_replaceRow;

@@ -15,6 +15,7 @@ struct LastSession
     QString project;      ///< the path that opens it; empty if none was open
     QString file;         ///< the current file, relative to the project's root
     QStringList expanded; ///< the expanded folders of the tree, likewise
+    QStringList shown;    ///< the files of the bar of open files, likewise
 
     void store(Vela::Interface &host) const;
     static LastSession stored(const Vela::Interface &host);

@@ -2,6 +2,8 @@
 #include "studio/window/mainwindow.h"
 
 #include "code/codedocument.h"
+#include "editor/codefileeditor.h"
+#include "editor/codeworkspace.h"
 #include "engine/engine.h"
 #include "frame/menu.h"
 #include "project/filesaver.h"
@@ -13,22 +15,28 @@
 #include "studio/session/engineloader.h"
 #include "studio/toolbararea.h"
 #include "studio/window/clipboardcommands.h"
+#include "studio/window/editors.h"
+#include "studio/window/filecommands.h"
 #include "studio/window/filesavedialog.h"
+#include "studio/window/filetabs.h"
 #include "studio/window/fileview.h"
 #include "studio/window/lastsession.h"
 #include "studio/window/messagesdock.h"
 #include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
 #include "studio/window/saveindicator.h"
+#include "studio/window/searchdock.h"
+#include "studio/window/sidepanel.h"
 #include "studio/window/statusfields.h"
 #include "studio/window/structuredock.h"
-#include "studio/window/textview.h"
 #include "studio/window/welcomepage.h"
 #include "studio/window/windowactions.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
+#include <QHBoxLayout>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -36,6 +44,7 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 namespace Studio {
 
@@ -43,7 +52,7 @@ namespace {
 
 const QString geometryKey = QStringLiteral("window/geometry");
 const QString layoutKey = QStringLiteral("window/layout");
-constexpr int LayoutVersion = 2;
+constexpr int LayoutVersion = 3;
 constexpr int MessageTime = 6000; // ms that a note stays in the status bar
 constexpr int EditDelay = 150; // ms from a key to what only shows the text, such as the properties
 
@@ -91,14 +100,16 @@ MainWindow::MainWindow(Host &host, QWidget *parent)
 
     connectEditors();
     makeActions();
-    makeCentre();
-    makeDocks();
     makeMenus();
     makeToolBar();
+    makeCentre();
+    makeDocks();
+    addDockActions();
     makeStatusBar();
     connectProject();
     connectDocks();
     connectText();
+    connectFileCommands();
     restoreLayout();
     updateAll();
 }
@@ -107,7 +118,14 @@ MainWindow::~MainWindow()
 {
     m_reader.stop();
     onAboutToClose();
+    // What loses the focus from here on enables no action any more.
+    delete m_clipboard;
     delete m_commands;
+    // The editors need the host as it is; the centre and the docks show widgets of theirs.
+    m_editors->leave();
+    delete m_sidePanel;
+    delete takeCentralWidget();
+    delete m_editors;
     for (int type = -1; type <= Vela::Project::Scripts; ++type)
         m_host.registerFileSaver(type, nullptr);
     m_host.disconnect(this);
@@ -140,9 +158,24 @@ ClipboardCommands &MainWindow::clipboard()
     return *m_clipboard;
 }
 
+FileCommands &MainWindow::fileCommands()
+{
+    return *m_fileCommands;
+}
+
+Editors &MainWindow::editors()
+{
+    return *m_editors;
+}
+
 FileView &MainWindow::view()
 {
     return *m_view;
+}
+
+FileTabs &MainWindow::tabs()
+{
+    return *m_tabs;
 }
 
 bool MainWindow::openProject(const QString &path)
@@ -164,8 +197,14 @@ void MainWindow::reopenLastProject()
         return;
     }
     m_projectDock->setExpanded(last.expanded);
+    QStringList shown = last.shown;
+    shown.erase(std::remove_if(shown.begin(), shown.end(),
+                               [this](const QString &path) { return !m_files.file(path); }),
+                shown.end());
+    m_tabs->restore(shown);
     if (m_files.file(last.file))
         setCurrentFile(last.file);
+    m_tabs->show(m_current);
     storeSession();
 }
 
@@ -173,7 +212,8 @@ void MainWindow::storeSession()
 {
     const ProjectSession *session = m_commands->session();
     if (session)
-        LastSession{session->path(), m_current, m_projectDock->expanded()}.store(m_host);
+        LastSession{session->path(), m_current, m_projectDock->expanded(), m_tabs->paths()}.store(
+            m_host);
     else
         LastSession::forget(m_host);
 }
@@ -182,13 +222,38 @@ void MainWindow::makeCentre()
 {
     const QList<QAction *> steps{m_host.action("new"), m_host.action("open")};
     m_welcome = new WelcomePage(m_recent, steps);
-    m_view = new FileView(m_host.colors());
+    m_editors = new Editors(m_host, this);
     m_centre = new QStackedWidget;
     m_centre->addWidget(m_welcome);
-    m_centre->addWidget(m_view);
+    m_centre->addWidget(makeEditorPage());
     setCentralWidget(m_centre);
     // An open project whose folder is gone can still be dropped from the list: opening says why.
     connect(m_welcome, &WelcomePage::projectWanted, this, &MainWindow::openProject);
+}
+
+// The bars of editors and of files stand above what they choose from.
+QWidget *MainWindow::makeEditorPage()
+{
+    auto *bar = new QToolBar(tr("Editors"));
+    bar->setObjectName(QStringLiteral("editorsBar"));
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    bar->addActions(m_host.actions().editorActions()->actions());
+    m_tabs = new FileTabs;
+    m_view = new FileView(*m_editors, m_host.colors());
+    m_fileCommands = new FileCommands(m_host, *m_editors, m_files, *m_view, *m_commands, this);
+    auto *page = new QWidget;
+    auto *bars = new QHBoxLayout;
+    bars->setSpacing(0);
+    bars->addWidget(bar);
+    bars->addWidget(m_tabs, 1, Qt::AlignBottom);
+    auto *layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(bars);
+    layout->addWidget(m_view);
+    connect(m_tabs, &FileTabs::fileChosen, this, &MainWindow::setCurrentFile);
+    connect(m_editors, &Editors::fileWanted, this, &MainWindow::onEditorChosen);
+    return page;
 }
 
 void MainWindow::makeDocks()
@@ -196,7 +261,9 @@ void MainWindow::makeDocks()
     m_projectDock = new ProjectDock(m_files);
     m_structureDock = new StructureDock;
     m_propertiesDock = new PropertiesDock;
+    m_sidePanel = new SidePanel;
     m_messagesDock = new MessagesDock(m_host);
+    m_searchDock = new SearchDock(m_files);
     m_output = new QPlainTextEdit;
     m_output->setObjectName(QStringLiteral("output"));
     m_output->setAccessibleName(tr("Output"));
@@ -208,15 +275,20 @@ void MainWindow::makeDocks()
     outputDock->setWidget(m_output);
 
     addDockWidget(Qt::LeftDockWidgetArea, m_projectDock);
+    addDockWidget(Qt::RightDockWidgetArea, m_sidePanel);
     addDockWidget(Qt::RightDockWidgetArea, m_propertiesDock);
     addDockWidget(Qt::BottomDockWidgetArea, m_messagesDock);
     addDockWidget(Qt::LeftDockWidgetArea, m_structureDock);
     tabifyDockWidget(m_projectDock, m_structureDock);
     m_projectDock->raise();
-    tabifyDockWidget(m_messagesDock, outputDock);
+    tabifyDockWidget(m_messagesDock, m_searchDock);
+    tabifyDockWidget(m_searchDock, outputDock);
     m_messagesDock->raise();
+    connect(&m_host, &Host::extraEditorRequested, m_sidePanel, &SidePanel::setPanel);
+    connect(&m_host, &Host::retranslated, m_sidePanel, &SidePanel::retranslate);
     resizeDocks({m_projectDock, m_propertiesDock}, {260, 280}, Qt::Horizontal);
     resizeDocks({m_messagesDock}, {190}, Qt::Vertical);
+    resizeDocks({m_sidePanel, m_propertiesDock}, {340, 200}, Qt::Vertical);
 }
 
 void MainWindow::makeToolBar()
@@ -233,7 +305,7 @@ void MainWindow::makeToolBar()
         menu = row.menu;
         bar->addAction(m_host.action(row.key));
     }
-    m_host.menu("menu_view")->addAction(bar->toggleViewAction());
+    m_host.menu("view")->addAction(bar->toggleViewAction());
 }
 
 void MainWindow::makeStatusBar()
@@ -286,10 +358,7 @@ void MainWindow::connectProject()
     connect(m_commands, &ProjectCommands::contentsChanged, this, &MainWindow::refresh);
     connect(m_commands, &ProjectCommands::done, this,
             [this](const QString &text) { statusBar()->showMessage(text, MessageTime); });
-    connect(&m_files, &OpenFiles::filesChanged, this, [this] {
-        m_messagesDock->model()->followProjects();
-        setCurrentFile(m_current);
-    });
+    connect(&m_files, &OpenFiles::filesChanged, this, &MainWindow::onFilesChanged);
     connect(&m_files, &OpenFiles::modifiedChanged, this, &MainWindow::updateTitle);
     connect(&m_files, &OpenFiles::contentChanged, this, [this](const QString &path) {
         // The file says so before it has its new content.
@@ -321,9 +390,10 @@ void MainWindow::connectDocks()
     });
     connect(m_projectDock, &ProjectDock::pathActivated, this, [this](const QString &path) {
         if (m_files.isClosedProject(path))
-            m_commands->openClosedProject(path);
-        else if (m_view->textView())
-            m_view->textView()->setFocus();
+            return m_commands->openClosedProject(path);
+        if (m_files.file(path))
+            setCurrentFile(path);
+        m_view->focusText();
     });
     connect(m_projectDock, &ProjectDock::openProjectWanted, m_commands,
             &ProjectCommands::openClosedProject);
@@ -332,26 +402,38 @@ void MainWindow::connectDocks()
     connect(m_projectDock, &ProjectDock::showInFolderWanted, this, &MainWindow::showInFolder);
     connect(m_projectDock, &ProjectDock::copyPathWanted, this, &MainWindow::copyPath);
     connect(m_messagesDock, &MessagesDock::placeWanted, this, &MainWindow::goToPlace);
+    connect(m_searchDock, &SearchDock::replaced, this, &MainWindow::refresh);
+    connect(m_searchDock, &SearchDock::left, m_view, &FileView::focusText);
+    connect(m_searchDock, &SearchDock::matchWanted, this,
+            [this](const QString &path, int line, int column, int length) {
+                setCurrentFile(path);
+                m_view->showMatch(line, column, length);
+            });
     connect(m_propertiesDock->model(), &PropertiesModel::edited, this, &MainWindow::refresh);
 }
 
 void MainWindow::connectText()
 {
     connect(m_view, &FileView::positionChanged, this, &MainWindow::updateStatus);
-    connect(m_view, &FileView::positionChanged, m_structureDock, &StructureDock::followLine);
     connect(m_view, &FileView::historyChanged, this, &MainWindow::updateActions);
     connect(m_view, &FileView::edited, this, &MainWindow::onEdited);
+    connect(m_view, &FileView::findEverywhereWanted, this,
+            [this] { m_searchDock->search(m_view->searchTerm()); });
     connect(m_clipboard, &ClipboardCommands::changed, this, &MainWindow::updateActions);
-    connect(m_structureDock, &StructureDock::lineChosen, this, [this](int line) {
-        if (m_view->textView())
-            m_view->textView()->selectLine(line);
+}
+
+void MainWindow::connectFileCommands()
+{
+    connect(m_tabs, &FileTabs::closed, m_fileCommands, &FileCommands::closeTab);
+    connect(m_fileCommands, &FileCommands::fileWanted, this, [this](const QString &path) {
+        // The editor may have changed under the file that is shown.
+        setCurrentFile(QString());
+        setCurrentFile(path);
+        m_view->focusText();
     });
-    connect(m_structureDock, &StructureDock::lineActivated, this, [this](int line) {
-        if (!m_view->textView())
-            return;
-        m_view->textView()->selectLine(line);
-        m_view->textView()->setFocus();
-    });
+    connect(m_fileCommands, &FileCommands::saved, this, &MainWindow::refresh);
+    connect(m_fileCommands, &FileCommands::done, this,
+            [this](const QString &text) { statusBar()->showMessage(text, MessageTime); });
 }
 
 void MainWindow::onOpened(Vela::ParentProject *parent)
@@ -359,7 +441,7 @@ void MainWindow::onOpened(Vela::ParentProject *parent)
     m_files.setParentProject(parent);
     m_projectDock->setParentProject(parent);
     m_messagesDock->model()->setParentProject(parent);
-    m_centre->setCurrentWidget(m_view);
+    m_centre->setCurrentIndex(1);
     m_reader.start(*parent);
     m_welcome->setNote(QString());
     setCurrentFile(firstMainFile(*parent, m_files));
@@ -377,6 +459,8 @@ void MainWindow::onAboutToClose()
     m_messagesDock->model()->setParentProject(nullptr);
     m_files.setParentProject(nullptr);
     m_view->forgetPlaces();
+    m_tabs->clear();
+    m_searchDock->clear();
     m_centre->setCurrentWidget(m_welcome);
 }
 
@@ -385,6 +469,45 @@ void MainWindow::onEdited()
 {
     if (!m_contentTimer.isActive())
         m_contentTimer.start(EditDelay);
+}
+
+// A file that is gone leaves its place to the next tab; one with another name takes its own along.
+void MainWindow::onFilesChanged()
+{
+    const QString path = m_files.path(m_view->file());
+    if (!path.isEmpty() && path != m_current) {
+        m_current = path;
+        m_view->setFile(m_view->file(), path);
+        m_tabs->show(path);
+        m_projectDock->select(path);
+    }
+    const QStringList shown = m_tabs->paths();
+    for (const QString &each : shown) {
+        if (!m_files.file(each))
+            m_tabs->removeFile(each);
+    }
+    m_messagesDock->model()->followProjects();
+    setCurrentFile(m_current.isEmpty() ? m_tabs->currentPath() : m_current);
+}
+
+// An editor shows the file that it had last, or else the first of its kind.
+void MainWindow::onEditorChosen(int fileType)
+{
+    const Vela::Project *project = m_host.currentProject();
+    const QList<Vela::ProjectFile *> files =
+        project ? project->filesByType(fileType) : QList<Vela::ProjectFile *>();
+    QStringList paths;
+    for (const Vela::ProjectFile *file : files)
+        paths.append(m_files.path(file));
+    const QStringList used = m_tabs->lastUsed();
+    const auto last = std::find_if(used.begin(), used.end(),
+                                   [&paths](const QString &path) { return paths.contains(path); });
+    const QString path = last == used.end() ? paths.value(0) : *last;
+    if (path.isEmpty())
+        return statusBar()->showMessage(tr("The project has no file for this editor."),
+                                        MessageTime);
+    setCurrentFile(path);
+    m_view->focusText();
 }
 
 void MainWindow::onFileGone(Vela::ProjectFile *file)
@@ -418,7 +541,8 @@ void MainWindow::setCurrentFile(const QString &path)
     if (file == m_view->file())
         return;
     m_view->setFile(file, m_current);
-    m_structureDock->setFile(file);
+    m_tabs->show(m_current);
+    m_structureDock->setFile(file, qobject_cast<Vela::CodeFileEditor *>(m_host.currentEditor()));
     m_propertiesDock->setFile(file);
     if (file)
         m_projectDock->select(path);
@@ -439,8 +563,7 @@ void MainWindow::goToPlace(const QString &path, unsigned int line, unsigned int 
         return;
     setCurrentFile(path);
     m_view->goTo(int(line), int(column));
-    if (m_view->textView())
-        m_view->textView()->setFocus();
+    m_view->focusText();
 }
 
 void MainWindow::refresh()
@@ -456,6 +579,8 @@ void MainWindow::updateContent()
     m_files.refresh();
     m_view->refresh();
     m_view->setModifiedMark(m_files.isModified(m_current));
+    if (m_view->document())
+        m_editors->code().showEncoding();
     m_propertiesDock->model()->refresh();
     updateStatus();
 }
@@ -476,6 +601,7 @@ void MainWindow::updateTitle()
                                   : QString(name + QStringLiteral("[*] \u2013 ") + program));
     setWindowModified(!m_files.modified().isEmpty());
     m_view->setModifiedMark(m_files.isModified(m_current));
+    m_tabs->setModified(m_files.modified());
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -24,11 +24,16 @@ class FileSaver;
 namespace Studio {
 
 class ClipboardCommands;
+class Editors;
+class FileCommands;
+class FileTabs;
 class FileView;
 class Host;
 class MessagesDock;
 class ProjectDock;
 class PropertiesDock;
+class SearchDock;
+class SidePanel;
 class StatusFields;
 class StructureDock;
 class WelcomePage;
@@ -49,7 +54,10 @@ public:
     const OpenFiles &files() const;
     RecentProjects &recentProjects();
     ClipboardCommands &clipboard();
+    FileCommands &fileCommands();
+    Editors &editors();
     FileView &view();
+    FileTabs &tabs();
 
     /// Opens a project; see ProjectCommands::open().
     bool openProject(const QString &path);
@@ -60,6 +68,8 @@ public:
     QString currentPath() const;
     /// Makes a file current and goes to a place in it, from 0.
     void goToPlace(const QString &path, unsigned int line, unsigned int column);
+    /// Moves the focus to the pane so many places further: the text, then the docks that are seen.
+    void goToPane(int steps);
     /// Looks at the files' states and at the current file's content anew.
     void refresh();
 
@@ -73,38 +83,46 @@ private:
     friend struct WindowAction;
 
     void makeCentre();
+    QWidget *makeEditorPage();
     void makeDocks();
     void makeStatusBar();
     void makeActions();
     void makeMenus();
+    void addDockActions();
     void makeToolBar();
     void connectEditors();
     void connectProject();
     void connectDocks();
     void connectText();
+    void connectFileCommands();
 
     // Commands of the table of actions that are not the project's.
     void undo();
     void redo();
-    void goToLine();
     void nextMessage();
     void previousMessage();
     void showSettings();
     void showPalette();
+    void goToFile();
+    void goToSymbol();
+    void toggleFold();
+    void insertSnippet();
+    void findInFiles();
+    bool focusPane(QWidget &pane);
     void resetLayout();
     void showAbout();
 
     void onOpened(Vela::ParentProject *parent);
     void onAboutToClose();
     void onEdited();
+    void onEditorChosen(int fileType);
+    void onFilesChanged();
     void onFileGone(Vela::ProjectFile *file);
     void onReadProgress(int done, int total);
     void onSettingsNotWritten(const QString &fileName);
     void onStatusField(int field);
-    void showEncodings();
     void showEngine();
     QString encodingName() const;
-    void setEncoding(const QString &name);
     void fillRecentMenu();
     void showInFolder(const QString &path);
     void copyPath(const QString &path);
@@ -127,11 +145,16 @@ private:
 
     QStackedWidget *m_centre = nullptr;
     WelcomePage *m_welcome = nullptr;
+    Editors *m_editors = nullptr;
     FileView *m_view = nullptr;
+    FileTabs *m_tabs = nullptr;
+    FileCommands *m_fileCommands = nullptr;
     ProjectDock *m_projectDock = nullptr;
     StructureDock *m_structureDock = nullptr;
     PropertiesDock *m_propertiesDock = nullptr;
+    SidePanel *m_sidePanel = nullptr;
     MessagesDock *m_messagesDock = nullptr;
+    SearchDock *m_searchDock = nullptr;
     QPlainTextEdit *m_output = nullptr;
     StatusFields *m_fields = nullptr;
     QProgressBar *m_readProgress = nullptr;

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The actions of the main window, and what the commands that are not the project's do.
 #include "code/codedocument.h"
+#include "editor/workspace.h"
 #include "engine/engine.h"
 #include "frame/menu.h"
 #include "frame/propertyitem.h"
-#include "frame/textcodecs.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
 #include "studio/host.h"
 #include "studio/window/clipboardcommands.h"
-#include "studio/window/commandpalette.h"
 #include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
 #include "studio/window/messagesdock.h"
@@ -18,7 +17,6 @@
 #include "studio/window/propertiesdock.h"
 #include "studio/window/settingsdialog.h"
 #include "studio/window/statusfields.h"
-#include "studio/window/textview.h"
 #include "studio/window/windowactions.h"
 
 #include <QClipboard>
@@ -27,9 +25,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QInputDialog>
 #include <QMessageBox>
-#include <QToolButton>
+#include <QPlainTextEdit>
 #include <QUrl>
 
 namespace Studio {
@@ -83,25 +80,31 @@ void MainWindow::makeMenus()
         }
     }
     connect(m_recentMenu, &QMenu::aboutToShow, this, &MainWindow::fillRecentMenu);
+}
+
+void MainWindow::addDockActions()
+{
     const QList<QDockWidget *> docks = findChildren<QDockWidget *>();
     for (QDockWidget *dock : docks) {
         ActionSpec spec;
         spec.key = QStringLiteral("show_") + dock->objectName();
-        spec.place = QStringLiteral("menu_view");
+        spec.place = QStringLiteral("view");
         spec.scope = QStringLiteral("all");
         m_host.actions().add(dock->toggleViewAction(), spec);
-        m_host.menu("menu_view")->addAction(dock->toggleViewAction());
+        m_host.menu("view")->addAction(dock->toggleViewAction());
     }
 }
 
 void MainWindow::updateActions()
 {
     const Vela::CodeDocument *document = m_view->document();
-    const TextView *text = m_view->textView();
+    const QPlainTextEdit *text = m_view->textEdit();
     bool met[WindowAction::NeedCount] = {};
     met[WindowAction::Nothing] = true;
     met[WindowAction::AProject] = m_commands->session();
-    met[WindowAction::AText] = text;
+    met[WindowAction::AWorkspace] = m_host.currentWorkspace();
+    met[WindowAction::AFile] = m_view->file();
+    met[WindowAction::AText] = document;
     met[WindowAction::AnEditableText] = text && !text->isReadOnly();
     // Only a definition text tells whether there is a step.
     met[WindowAction::ToUndo] = document ? document->isUndoAvailable() : m_view->file() != nullptr;
@@ -150,7 +153,7 @@ void MainWindow::fillRecentMenu()
 void MainWindow::undo()
 {
     if (m_view->document())
-        m_view->textView()->undo();
+        m_view->textEdit()->undo();
     else if (Vela::ProjectFile *file = m_view->file())
         file->undo();
     refresh();
@@ -159,23 +162,10 @@ void MainWindow::undo()
 void MainWindow::redo()
 {
     if (m_view->document())
-        m_view->textView()->redo();
+        m_view->textEdit()->redo();
     else if (Vela::ProjectFile *file = m_view->file())
         file->redo();
     refresh();
-}
-
-void MainWindow::goToLine()
-{
-    TextView *text = m_view->textView();
-    if (!text)
-        return;
-    bool ok = false;
-    const int line =
-        QInputDialog::getInt(this, tr("Go to Line"), tr("Line:"),
-                             text->textCursor().blockNumber() + 1, 1, text->blockCount(), 1, &ok);
-    if (ok)
-        goToPlace(m_current, unsigned(line - 1), 0);
 }
 
 void MainWindow::nextMessage()
@@ -194,24 +184,6 @@ void MainWindow::showSettings()
     dialog.exec();
 }
 
-void MainWindow::showPalette()
-{
-    QList<CommandPalette::Command> commands;
-    const QVector<ActionRegistry::Entry> entries = m_host.actions().actions();
-    for (const ActionRegistry::Entry &entry : entries) {
-        const QString group = entry.spec.place.isEmpty()
-            ? QString()
-            : m_host.actions().menu(entry.spec.place)->title();
-        commands.append({group, entry.action});
-    }
-    CommandPalette palette(commands, this);
-    palette.move(geometry().center().x() - palette.width() / 2, geometry().top() + 80);
-    palette.exec();
-    // The palette is gone when its command runs: it may show a dialog of its own.
-    if (QAction *chosen = palette.chosen())
-        QTimer::singleShot(0, chosen, &QAction::trigger);
-}
-
 void MainWindow::showAbout()
 {
     QMessageBox::about(this, tr("About Vela Studio"),
@@ -223,68 +195,35 @@ void MainWindow::showAbout()
 
 void MainWindow::onStatusField(int field)
 {
+    Vela::Workspace *workspace = m_host.currentWorkspace();
+    if (!workspace)
+        return showEngine();
     switch (field) {
     case StatusFields::PositionField:
-        return goToLine();
-    case StatusFields::EncodingField:
-        return showEncodings();
+        return m_host.action("code_goto")->trigger();
+    case StatusFields::SecondField:
+        return m_host.action("code_next_error")->trigger();
     default:
-        return showEngine();
+        return workspace->statusClicked();
     }
 }
 
+// An editor keeps the fields itself.
 void MainWindow::updateStatus()
 {
-    const QString encoding = encodingName();
+    if (m_host.currentEditor())
+        return;
     const Vela::Engine *engine = m_commands->session() ? m_host.engine() : nullptr;
-    QString position;
-    if (const TextView *text = m_view->textView())
-        position = tr("Line %1, Column %2")
-                       .arg(text->textCursor().blockNumber() + 1)
-                       .arg(text->textCursor().positionInBlock() + 1);
-    m_host.status(StatusFields::PositionField, position);
-    m_host.status(StatusFields::EncodingField, encoding);
-    m_host.status(StatusFields::RendererField,
+    m_host.status(StatusFields::PositionField, QString());
+    m_host.status(StatusFields::SecondField, encodingName());
+    m_host.status(StatusFields::LastField,
                   engine ? engine->queryString(Vela::Engine::DisplayName, 0) : QString());
-    m_host.action("go_to_line")->setEnabled(!position.isEmpty());
-}
-
-void MainWindow::showEncodings()
-{
-    const QToolButton *button = m_fields->button(StatusFields::EncodingField);
-    QMenu menu(this);
-    menu.setObjectName(QStringLiteral("encodings"));
-    menu.setStyleSheet(QStringLiteral("QMenu { menu-scrollable: 1; }"));
-    const int current = Vela::TextCodecs::index(button->text().toLatin1().constData());
-    for (int i = 0; i < Vela::TextCodecs::count(); ++i) {
-        const QString name = QString::fromLatin1(Vela::TextCodecs::name(i));
-        QAction *action = menu.addAction(Vela::TextCodecs::displayName(i));
-        action->setCheckable(true);
-        action->setChecked(i == current);
-        connect(action, &QAction::triggered, this, [this, name] { setEncoding(name); });
-    }
-    menu.exec(button->mapToGlobal(QPoint(0, -menu.sizeHint().height())));
 }
 
 QString MainWindow::encodingName() const
 {
     const auto *item = dynamic_cast<const Vela::PropertyItem *>(m_view->file());
-    const QString name = item ? item->property(encodingProperty).toString() : QString();
-    const Vela::CodeDocument *document = m_view->document();
-    return name.isEmpty() && document ? QString::fromLatin1(document->codecName()) : name;
-}
-
-void MainWindow::setEncoding(const QString &name)
-{
-    auto *item = dynamic_cast<Vela::PropertyItem *>(m_view->file());
-    Vela::CodeDocument *document = m_view->document();
-    if (item && item->property(encodingProperty).isValid()) {
-        item->setProperty(encodingProperty, name);
-    } else if (document && document->codecName() != name.toLatin1()) {
-        document->setCodec(name.toLatin1().constData());
-        document->setModified(true);
-    }
-    refresh();
+    return item ? item->property(encodingProperty).toString() : QString();
 }
 
 void MainWindow::showEngine()

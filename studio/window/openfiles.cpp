@@ -8,6 +8,8 @@
 #include "studio/session/documents.h"
 #include "studio/session/projectcontents.h"
 
+#include <QDir>
+
 namespace Studio {
 
 namespace {
@@ -53,9 +55,21 @@ QString OpenFiles::path(const Vela::ProjectFile *file) const
     return m_paths.value(file);
 }
 
+QStringList OpenFiles::paths() const
+{
+    QStringList paths = m_files.keys();
+    paths.sort();
+    return paths;
+}
+
 int OpenFiles::count() const
 {
     return m_files.size();
+}
+
+QStringList OpenFiles::loose() const
+{
+    return m_loose;
 }
 
 bool OpenFiles::isModified(const QString &path) const
@@ -89,30 +103,67 @@ void OpenFiles::refresh()
     Q_EMIT modifiedChanged(changed.values());
 }
 
+// Each text of a large project tells this while it is read, so the others are not looked at.
+void OpenFiles::onModified()
+{
+    const QString path = m_paths.value(qobject_cast<Vela::CodeDocument *>(sender()));
+    const Vela::ProjectFile *const file = m_files.value(path);
+    if (!file) {
+        refresh();
+    } else if (file->isModified() != m_modified.contains(path)) {
+        if (!m_modified.remove(path))
+            m_modified.insert(path);
+        Q_EMIT modifiedChanged({path});
+    }
+}
+
 void OpenFiles::collect()
 {
     m_collectLater.stop();
-    const QHash<const Vela::ProjectFile *, QString> known = m_paths;
+    const Paths known = m_paths;
     m_files.clear();
     m_paths.clear();
+    m_loose.clear();
     m_closed.clear();
     if (m_parent) {
         const QList<Vela::Project *> projects = m_parent->openedProjects();
         for (const Vela::Project *project : projects) {
             const QList<Vela::ProjectFile *> files = project->files();
-            for (Vela::ProjectFile *file : files) {
-                // A text has no name while it is being saved.
-                const QString path = file->fileName().isEmpty()
-                    ? known.value(file)
-                    : relativeToRoot(*m_parent, file->fileName());
-                add(file, path);
-            }
+            for (Vela::ProjectFile *file : files)
+                add(file, pathFor(*file, known));
         }
         const QStringList closed = closedProjects(*m_parent);
         m_closed = QSet<QString>(closed.begin(), closed.end());
     }
+    m_loose.sort();
     refresh();
     Q_EMIT filesChanged();
+}
+
+QString OpenFiles::pathFor(Vela::ProjectFile &file, const Paths &known) const
+{
+    if (!file.fileName().isEmpty()) {
+        setWorkingName(file, QString());
+        return pathOf(*m_parent, file);
+    }
+    if (pathOf(*m_parent, file).isEmpty()) {
+        // A text has no name while it is being saved.
+        const QString path = known.value(&file);
+        if (!path.isEmpty())
+            return path;
+        setWorkingName(file, newName(known));
+    }
+    return pathOf(*m_parent, file);
+}
+
+QString OpenFiles::newName(const Paths &known) const
+{
+    QString name;
+    int number = 0;
+    do
+        name = tr("Untitled %1").arg(++number);
+    while (m_files.contains(name) || known.key(name));
+    return name;
 }
 
 // A path stands for the text itself where there are views of it, too.
@@ -120,17 +171,21 @@ void OpenFiles::add(Vela::ProjectFile *file, const QString &path)
 {
     Vela::CodeDocument *document = documentOf(file);
     m_paths.insert(file, path);
+    const bool isLoose =
+        file->fileName().isEmpty() ? path == pathOf(*m_parent, *file) : QDir::isAbsolutePath(path);
+    if (isLoose && !m_loose.contains(path))
+        m_loose.append(path);
     if (!m_files.contains(path) || file == document)
         m_files.insert(path, file);
     if (document)
-        connect(document, &QTextDocument::modificationChanged, this, &OpenFiles::refresh,
+        connect(document, &QTextDocument::modificationChanged, this, &OpenFiles::onModified,
                 Qt::UniqueConnection);
 }
 
 void OpenFiles::onAccess(Vela::ProjectFile *file)
 {
     const QString known = m_paths.value(file);
-    const QString path = relativeToRoot(*m_parent, file->fileName());
+    const QString path = pathOf(*m_parent, *file);
     if (path != known)
         m_collectLater.start();
     else

@@ -15,8 +15,9 @@ class ProjectFile;
 namespace Studio {
 
 /// The files of the opened projects by their paths relative to the root, and which of them have
-/// unsaved changes. Only a definition text tells that it became modified, so the state of all files
-/// is looked at twice a second and whenever somebody calls refresh().
+/// unsaved changes. A file that was never saved stands under a name of its own until it is. Only a
+/// definition text tells that it became modified, so the state of all files is looked at twice a
+/// second and whenever somebody calls refresh().
 class OpenFiles : public QObject
 {
     Q_OBJECT
@@ -32,6 +33,11 @@ public:
     /// Returns an empty path for a file that is not open here.
     QString path(const Vela::ProjectFile *file) const;
     int count() const;
+    /// Returns all paths, sorted.
+    QStringList paths() const;
+    /// Returns the files that stand in no folder of the project, sorted: those that were never
+    /// saved, and those outside of the root.
+    QStringList loose() const;
     bool isModified(const QString &path) const;
     /// Returns the modified files, sorted.
     QStringList modified() const;
@@ -40,6 +46,8 @@ public:
 
     /// Looks for modified files now.
     void refresh();
+    /// Looks now which files there are. It happens by itself a little after a file was added.
+    void collect();
 
 Q_SIGNALS:
     /// The set of files, or of closed projects, is another.
@@ -52,14 +60,19 @@ Q_SIGNALS:
     void fileGone(Vela::ProjectFile *file);
 
 private:
-    void collect();
+    using Paths = QHash<const Vela::ProjectFile *, QString>;
+
+    QString pathFor(Vela::ProjectFile &file, const Paths &known) const;
+    QString newName(const Paths &known) const;
     void add(Vela::ProjectFile *file, const QString &path);
+    void onModified();
     void onAccess(Vela::ProjectFile *file);
     void onClosed(Vela::ProjectFile *file);
 
     Vela::ParentProject *m_parent = nullptr;
     QHash<QString, Vela::ProjectFile *> m_files;
-    QHash<const Vela::ProjectFile *, QString> m_paths;
+    Paths m_paths;
+    QStringList m_loose;
     QSet<QString> m_modified;
     QSet<QString> m_closed;
     QTimer m_collectLater;

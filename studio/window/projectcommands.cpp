@@ -3,7 +3,6 @@
 
 #include "frame/fileutils.h"
 #include "frame/jobstats.h"
-#include "project/filewatchobject.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
@@ -12,19 +11,13 @@
 #include "studio/window/backupsdialog.h"
 #include "studio/window/newprojectdialog.h"
 #include "studio/window/recentprojects.h"
-#include "studio/window/recoverydialog.h"
 #include "studio/window/savefailures.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QPointer>
 #include <QScopedValueRollback>
-#include <QtConcurrentRun>
-
-#include <algorithm>
 
 namespace Studio {
 
@@ -90,7 +83,15 @@ ProjectCommands::ProjectCommands(Host &host, RecentProjects &recent, QWidget *wi
     , m_host(host)
     , m_recent(recent)
     , m_window(window)
+    , m_autosave(host.userFolder() + QStringLiteral("/recovery"))
+    , m_recovery(host, *this, m_autosave, window)
 {
+    connect(&m_autosave, &TextAutosave::failed, this,
+            [this](const QString &reason) { m_host.log(reason); });
+    connect(&m_recovery, &RecoveryOffer::recovered, this, [this](const QString &path) {
+        Q_EMIT contentsChanged();
+        Q_EMIT done(tr("%1 is recovered.").arg(path));
+    });
     // A text is through only behind the end of its job.
     connect(
         &m_saveProgress, &SaveProgress::changed, this,
@@ -381,58 +382,14 @@ void ProjectCommands::closeProject(const QString &path)
 
 void ProjectCommands::offerRecovery()
 {
-    if (!m_session)
-        return;
-    using Saves = QList<InterruptedSave>;
-    const QPointer<Vela::ParentProject> parent(m_session->parent());
-    const QDateTime begun = QDateTime::currentDateTime();
-    auto *search = new QFutureWatcher<Saves>(this);
-    connect(search, &QFutureWatcherBase::finished, this, [this, search, parent, begun] {
-        search->deleteLater();
-        Saves saves = search->result();
-        // A save that began meanwhile was not interrupted: it is being written.
-        const auto isNew = [&](const InterruptedSave &save) { return save.temporaryTime >= begun; };
-        saves.erase(std::remove_if(saves.begin(), saves.end(), isNew), saves.end());
-        if (parent && m_session && parent == m_session->parent())
-            showRecovery(saves);
-    });
-    search->setFuture(QtConcurrent::run(&Recovery::find, Recovery::searchFor(*parent)));
-}
-
-void ProjectCommands::showRecovery(const QList<InterruptedSave> &saves)
-{
-    if (saves.isEmpty() || m_busy)
-        return;
-    RecoveryDialog dialog(saves, m_window);
-    connect(&dialog, &RecoveryDialog::recovered, this, &ProjectCommands::readAgain);
-    dialog.exec();
-}
-
-void ProjectCommands::readAgain(const QString &fileName)
-{
-    if (!m_session)
-        return;
-    const QString path = relativeToRoot(*m_session->parent(), fileName);
-    const QList<Vela::Project *> projects = m_session->parent()->openedProjects();
-    for (const Vela::Project *project : projects) {
-        const QList<Vela::ProjectFile *> files = project->files();
-        for (Vela::ProjectFile *file : files) {
-            if (relativeToRoot(*m_session->parent(), file->fileName()) != path)
-                continue;
-            file->fromFile(file->archive(), file->fileName(), 0, nullptr);
-            // The watcher shall not ask about what it was told to do.
-            if (auto *watched = dynamic_cast<Vela::FileWatchObject *>(file))
-                watched->pauseWatch(false);
-        }
-    }
-    Q_EMIT contentsChanged();
-    Q_EMIT done(tr("%1 is recovered.").arg(path));
+    m_recovery.begin();
 }
 
 void ProjectCommands::adopt(std::unique_ptr<ProjectSession> session)
 {
     drop();
     m_session = std::move(session);
+    m_autosave.setParentProject(m_session->parent());
     m_host.addParentProject(m_session->parent());
     m_recent.add(m_session->path());
     m_host.setOption(projectsFolderKey, QFileInfo(m_session->path()).absolutePath());
@@ -447,6 +404,7 @@ void ProjectCommands::drop()
         return;
     endSave();
     Q_EMIT aboutToClose();
+    m_autosave.setParentProject(nullptr);
     m_host.removeParentProject(m_session->parent());
     m_session.reset();
     Q_EMIT closed();

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "studio/session/projectsession.h"
-#include "studio/session/recovery.h"
+#include "studio/session/textautosave.h"
+#include "studio/window/recoveryoffer.h"
 #include "studio/window/saveprogress.h"
 
 #include <QObject>
@@ -59,8 +60,8 @@ public:
     void openClosedProject(const QString &path);
     /// Closes the one project that a path relative to the root belongs to.
     void closeProject(const QString &path);
-    /// Looks in the background for what interrupted saves left beside the project's files, and
-    /// offers that if there is something.
+    /// Looks in the background for what a crash left of the project, and offers that if there is
+    /// something.
     void offerRecovery();
 
 Q_SIGNALS:
@@ -80,9 +81,6 @@ private:
     bool endSave();
     void adopt(std::unique_ptr<ProjectSession> session);
     void drop();
-    void showRecovery(const QList<InterruptedSave> &saves);
-    /// Lets the open files of that name take their content from the disk.
-    void readAgain(const QString &fileName);
     void warn(const QString &title, const QString &text, const QStringList &lines = {});
     /// Shows what a copying operation could not do, or says that it is done.
     void report(const QString &title, const QString &success, const CopyResult &result);
@@ -93,6 +91,8 @@ private:
     Host &m_host;
     RecentProjects &m_recent;
     QWidget *m_window;
+    TextAutosave m_autosave;
+    RecoveryOffer m_recovery;
     SaveProgress m_saveProgress;            // outlives the jobs of the session's files
     std::unique_ptr<SaveFailures> m_saving; // null while nothing is being saved
     int m_saveCount = 0;

@@ -32,6 +32,9 @@ ProjectDock::ProjectDock(const OpenFiles &files, QWidget *parent)
                 if (index.isValid())
                     Q_EMIT pathChosen(m_model.path(index));
             });
+    // The file of the current row may have been closed.
+    connect(m_view, &QTreeView::clicked, this,
+            [this](const QModelIndex &index) { Q_EMIT pathChosen(m_model.path(index)); });
     connect(&files, &OpenFiles::filesChanged, m_view->viewport(), qOverload<>(&QWidget::update));
 }
 
@@ -91,7 +94,8 @@ const ProjectTreeModel &ProjectDock::model() const
 void ProjectDock::showMenu(const QPoint &place)
 {
     const QModelIndex index = m_view->indexAt(place);
-    if (!index.isValid())
+    // One in no folder of the project has no place to go to, and no project to close.
+    if (!index.isValid() || m_model.isLoose(index))
         return;
     const QString path = m_model.path(index);
     const auto add = [this, path](QMenu &menu, const QString &text,

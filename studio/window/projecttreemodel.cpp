@@ -15,6 +15,7 @@ ProjectTreeModel::ProjectTreeModel(const OpenFiles &files, QObject *parent)
     , m_files(files)
 {
     connect(&files, &OpenFiles::modifiedChanged, this, &ProjectTreeModel::markChanged);
+    connect(&files, &OpenFiles::filesChanged, this, &ProjectTreeModel::takeLooseFiles);
 }
 
 void ProjectTreeModel::setParentProject(Vela::ParentProject *parent)
@@ -25,6 +26,8 @@ void ProjectTreeModel::setParentProject(Vela::ParentProject *parent)
 
 QString ProjectTreeModel::path(const QModelIndex &index) const
 {
+    if (isLoose(index))
+        return m_loose.value(index.row() - QIdentityProxyModel::rowCount());
     const Vela::ParentProject::Path *node =
         m_parent && index.isValid() ? m_parent->itemPath(mapToSource(index)) : nullptr;
     return node ? relativeToRoot(*m_parent, node->fullPath()) : QString();
@@ -32,13 +35,16 @@ QString ProjectTreeModel::path(const QModelIndex &index) const
 
 QModelIndex ProjectTreeModel::indexOf(const QString &path) const
 {
+    const int loose = m_loose.indexOf(path);
+    if (loose >= 0)
+        return index(QIdentityProxyModel::rowCount() + loose, 0);
     QModelIndex found;
     const QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
     for (const QString &part : parts) {
         QModelIndex next;
         for (int row = 0; row < rowCount(found) && !next.isValid(); ++row) {
             const QModelIndex child = index(row, 0, found);
-            if (QIdentityProxyModel::data(child).toString() == part)
+            if (plainData(child, Qt::DisplayRole).toString() == part)
                 next = child;
         }
         if (!next.isValid())
@@ -48,9 +54,82 @@ QModelIndex ProjectTreeModel::indexOf(const QString &path) const
     return found;
 }
 
+// Each row of the parent project points to its node.
+bool ProjectTreeModel::isLoose(const QModelIndex &index) const
+{
+    return index.isValid() && !index.internalPointer();
+}
+
+QModelIndex ProjectTreeModel::mapToSource(const QModelIndex &index) const
+{
+    return isLoose(index) ? QModelIndex() : QIdentityProxyModel::mapToSource(index);
+}
+
+QModelIndex ProjectTreeModel::index(int row, int column, const QModelIndex &parent) const
+{
+    const bool loose = !parent.isValid() && column == 0 && row < rowCount()
+        && row >= QIdentityProxyModel::rowCount();
+    return loose ? createIndex(row, column, nullptr)
+                 : QIdentityProxyModel::index(row, column, parent);
+}
+
+QModelIndex ProjectTreeModel::parent(const QModelIndex &child) const
+{
+    return isLoose(child) ? QModelIndex() : QIdentityProxyModel::parent(child);
+}
+
+QModelIndex ProjectTreeModel::sibling(int row, int column, const QModelIndex &index) const
+{
+    return this->index(row, column, parent(index));
+}
+
+int ProjectTreeModel::rowCount(const QModelIndex &parent) const
+{
+    if (isLoose(parent))
+        return 0;
+    return QIdentityProxyModel::rowCount(parent) + (parent.isValid() ? 0 : m_loose.size());
+}
+
+bool ProjectTreeModel::hasChildren(const QModelIndex &parent) const
+{
+    return rowCount(parent) > 0;
+}
+
+Qt::ItemFlags ProjectTreeModel::flags(const QModelIndex &index) const
+{
+    return isLoose(index) ? Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren
+                          : QIdentityProxyModel::flags(index);
+}
+
+void ProjectTreeModel::takeLooseFiles()
+{
+    const QStringList now = m_files.loose();
+    if (now == m_loose)
+        return;
+    const int first = QIdentityProxyModel::rowCount();
+    if (!m_loose.isEmpty()) {
+        beginRemoveRows(QModelIndex(), first, first + m_loose.size() - 1);
+        m_loose.clear();
+        endRemoveRows();
+    }
+    if (!now.isEmpty()) {
+        beginInsertRows(QModelIndex(), first, first + now.size() - 1);
+        m_loose = now;
+        endInsertRows();
+    }
+}
+
+QVariant ProjectTreeModel::plainData(const QModelIndex &index, int role) const
+{
+    if (!isLoose(index))
+        return QIdentityProxyModel::data(index, role);
+    const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
+    return isText ? QVariant(path(index).section(QLatin1Char('/'), -1)) : QVariant();
+}
+
 QVariant ProjectTreeModel::data(const QModelIndex &index, int role) const
 {
-    const QVariant plain = QIdentityProxyModel::data(index, role);
+    const QVariant plain = plainData(index, role);
     if (role == Qt::ToolTipRole)
         return QDir::toNativeSeparators(path(index));
     if (role != Qt::DisplayRole && role != Qt::FontRole && role != Qt::AccessibleTextRole)
@@ -65,7 +144,7 @@ QVariant ProjectTreeModel::data(const QModelIndex &index, int role) const
         font.setItalic(closed);
         return font;
     }
-    const QString text = QIdentityProxyModel::data(index).toString();
+    const QString text = plainData(index, Qt::DisplayRole).toString();
     if (role == Qt::DisplayRole && modified)
         return QString(text + QStringLiteral(" \u25CF"));
     if (role == Qt::AccessibleTextRole && (modified || closed))

@@ -70,7 +70,7 @@ private:
 } // namespace
 
 PropertiesDock::PropertiesDock(QWidget *parent)
-    : QDockWidget(tr("Properties"), parent)
+    : QDockWidget(tr("File"), parent)
     , m_view(new QTreeView)
     , m_nothing(new NoteLabel(tr("No properties")))
 {

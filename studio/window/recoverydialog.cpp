@@ -1,130 +1,189 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/recoverydialog.h"
 
-#include "frame/textcodecs.h"
+#include "studio/session/comparedlines.h"
 #include "ui_recoverydialog.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <QFontDatabase>
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QTextBlock>
+
+#include <algorithm>
 
 namespace Studio {
 
 namespace {
 
-constexpr qint64 PreviewSize = 64 * 1024;
+constexpr int RowsShown = 3000; // of the comparison
+constexpr int RowsAbove = 3;    // of the first difference that are in sight
+constexpr double MarkStrength = 0.25;
 
-QString describe(const QDateTime &time, qint64 size)
+QColor markColor(const QPalette &palette)
 {
-    const QLocale locale;
-    return RecoveryDialog::tr("%1, %2").arg(locale.toString(time, QLocale::ShortFormat),
-                                            locale.formattedDataSize(size));
+    const QColor base = palette.color(QPalette::Base);
+    const QColor highlight = palette.color(QPalette::Highlight);
+    const auto mixed = [](double a, double b) { return a + (b - a) * MarkStrength; };
+    return QColor::fromRgbF(mixed(base.redF(), highlight.redF()),
+                            mixed(base.greenF(), highlight.greenF()),
+                            mixed(base.blueF(), highlight.blueF()));
 }
 
-QString previewOf(const QString &name)
+/// Shows a column of the comparison. A line that differs is marked by a background, one that is
+/// missing by a pattern.
+void showColumn(QPlainTextEdit &view, const QVector<ComparedLine> &lines,
+                QString ComparedLine::*text, bool ComparedLine::*isThere)
 {
-    QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
-        return RecoveryDialog::tr("The file cannot be read.");
-    const QByteArray data = file.read(PreviewSize);
-    if (data.contains('\0'))
-        return RecoveryDialog::tr("There is no preview of this kind of file.");
-    int codec = -1;
-    return Vela::TextCodecs::stringFromData(data, &codec);
+    QStringList texts;
+    for (const ComparedLine &line : lines)
+        texts.append(line.*text);
+    view.setPlainText(texts.join(QLatin1Char('\n')));
+    QList<QTextEdit::ExtraSelection> marks;
+    QTextBlock block = view.document()->begin();
+    for (int row = 0; row < lines.size(); ++row, block = block.next()) {
+        if (!lines.at(row).differs)
+            continue;
+        QTextEdit::ExtraSelection mark;
+        mark.cursor = QTextCursor(block);
+        mark.format.setProperty(QTextFormat::FullWidthSelection, true);
+        mark.format.setBackground(
+            lines.at(row).*isThere ? QBrush(markColor(view.palette()))
+                                   : QBrush(view.palette().color(QPalette::Mid), Qt::BDiagPattern));
+        marks.append(mark);
+    }
+    view.setExtraSelections(marks);
 }
 
 } // namespace
 
-RecoveryDialog::RecoveryDialog(const QList<InterruptedSave> &saves, QWidget *parent)
+RecoveryDialog::RecoveryDialog(const QList<RecoveryItem> &items, QWidget *parent)
     : QDialog(parent)
-    , m_saves(saves)
+    , m_items(items)
     , m_ui(std::make_unique<Ui::RecoveryDialog>())
 {
     m_ui->setupUi(this);
-    for (int i = 0; i < saves.size(); ++i)
+    const auto has = [&items](RecoveryItem::Kind kind) {
+        return std::any_of(items.begin(), items.end(),
+                           [kind](const RecoveryItem &item) { return item.kind == kind; });
+    };
+    m_ui->splitter->setStretchFactor(1, 1);
+    for (QPlainTextEdit *column : {m_ui->present, m_ui->preview})
+        column->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_ui->aboutTexts->setVisible(has(RecoveryItem::Text));
+    m_ui->aboutSaves->setVisible(has(RecoveryItem::Save));
+    for (int i = 0; i < items.size(); ++i)
         addRow(i);
-    m_ui->saves->setColumnWidth(0, 300);
-    m_ui->saves->resizeColumnToContents(1);
-    connect(m_ui->saves, &QTreeWidget::currentItemChanged, this, &RecoveryDialog::showPreview);
-    m_ui->saves->setCurrentItem(m_ui->saves->topLevelItem(0));
-
-    QPushButton *recover = m_ui->buttons->addButton(tr("Recover"), QDialogButtonBox::ActionRole);
-    QPushButton *discard =
-        m_ui->buttons->addButton(tr("Clear Away"), QDialogButtonBox::DestructiveRole);
-    m_ui->buttons->addButton(tr("Ask Again Later"), QDialogButtonBox::RejectRole);
-    recover->setObjectName(QStringLiteral("recover"));
-    discard->setObjectName(QStringLiteral("discard"));
-    recover->setDefault(true);
-    connect(recover, &QPushButton::clicked, this, &RecoveryDialog::recoverTicked);
-    connect(discard, &QPushButton::clicked, this, &RecoveryDialog::discardTicked);
-    connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    for (int column = 0; column < m_ui->items->columnCount(); ++column)
+        m_ui->items->resizeColumnToContents(column);
+    connect(m_ui->items, &QTreeWidget::itemChanged, this, &RecoveryDialog::untickOthers);
+    connect(m_ui->items, &QTreeWidget::currentItemChanged, this, &RecoveryDialog::showPreview);
+    connect(m_ui->present->verticalScrollBar(), &QScrollBar::valueChanged,
+            m_ui->preview->verticalScrollBar(), &QScrollBar::setValue);
+    connect(m_ui->preview->verticalScrollBar(), &QScrollBar::valueChanged,
+            m_ui->present->verticalScrollBar(), &QScrollBar::setValue);
+    m_ui->items->setCurrentItem(m_ui->items->topLevelItem(0));
+    makeButtons();
 }
 
 RecoveryDialog::~RecoveryDialog() = default;
 
-void RecoveryDialog::addRow(int index)
+void RecoveryDialog::makeButtons()
 {
-    const InterruptedSave &save = m_saves.at(index);
-    auto *item = new QTreeWidgetItem(m_ui->saves);
-    item->setText(0, QFileInfo(save.target).fileName());
-    item->setToolTip(0, save.temporary);
-    item->setText(1, describe(save.temporaryTime, save.temporarySize));
-    item->setText(2,
-                  !save.targetExists  ? tr("is gone")
-                      : !save.differs ? tr("has the same content")
-                                      : describe(save.targetTime, save.targetSize));
-    item->setData(0, Qt::UserRole, index);
-    item->setCheckState(0, Qt::Checked);
+    QPushButton *recover = m_ui->buttons->addButton(tr("Recover"), QDialogButtonBox::ActionRole);
+    QPushButton *discard =
+        m_ui->buttons->addButton(tr("Discard"), QDialogButtonBox::DestructiveRole);
+    QPushButton *later = m_ui->buttons->addButton(tr("Later"), QDialogButtonBox::RejectRole);
+    recover->setObjectName(QStringLiteral("recover"));
+    discard->setObjectName(QStringLiteral("discard"));
+    later->setObjectName(QStringLiteral("later"));
+    recover->setDefault(true);
+    connect(recover, &QPushButton::clicked, this, [this] { forTicked(&RecoveryItem::recover); });
+    connect(discard, &QPushButton::clicked, this, &RecoveryDialog::discardTicked);
+    connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-void RecoveryDialog::recoverTicked()
+// The first one of a file is ticked.
+void RecoveryDialog::addRow(int index)
 {
-    forTicked([this](const InterruptedSave &save, QString *error) {
-        QString kept;
-        if (!Recovery::recover(save, &kept, error))
-            return false;
-        Q_EMIT recovered(save.target);
-        return true;
-    });
+    const RecoveryItem &item = m_items.at(index);
+    const bool isFirst =
+        std::none_of(m_items.begin(), m_items.begin() + index,
+                     [&item](const RecoveryItem &other) { return other.file == item.file; });
+    auto *row = new QTreeWidgetItem(m_ui->items);
+    row->setText(0, item.file);
+    row->setToolTip(0, item.place);
+    row->setText(1, item.kind == RecoveryItem::Text ? tr("Unsaved text") : tr("Interrupted save"));
+    row->setText(2, QLocale().toString(item.time, QLocale::ShortFormat));
+    row->setText(3, item.presentFile);
+    row->setData(0, Qt::UserRole, index);
+    row->setCheckState(0, isFirst ? Qt::Checked : Qt::Unchecked);
+}
+
+const RecoveryItem &RecoveryDialog::itemOf(const QTreeWidgetItem &row) const
+{
+    return m_items.at(row.data(0, Qt::UserRole).toInt());
+}
+
+void RecoveryDialog::untickOthers(const QTreeWidgetItem *row)
+{
+    if (row->checkState(0) != Qt::Checked)
+        return;
+    for (int i = 0; i < m_ui->items->topLevelItemCount(); ++i) {
+        QTreeWidgetItem *other = m_ui->items->topLevelItem(i);
+        if (other != row && itemOf(*other).file == itemOf(*row).file)
+            other->setCheckState(0, Qt::Unchecked);
+    }
 }
 
 void RecoveryDialog::discardTicked()
 {
-    if (QMessageBox::question(this, tr("Clear away?"),
-                              tr("What the interrupted saves had written will be lost. Clear it "
-                                 "away?"),
+    if (QMessageBox::question(this, tr("Discard?"), tr("What is ticked will be lost. Discard it?"),
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
         == QMessageBox::Yes)
-        forTicked(&Recovery::discard);
+        forTicked(&RecoveryItem::discard);
 }
 
-template <typename Act>
-void RecoveryDialog::forTicked(Act act)
+void RecoveryDialog::forTicked(RecoveryItem::Act RecoveryItem::*act)
 {
     QStringList errors;
-    for (int row = m_ui->saves->topLevelItemCount() - 1; row >= 0; --row) {
-        QTreeWidgetItem *item = m_ui->saves->topLevelItem(row);
-        if (item->checkState(0) != Qt::Checked)
+    for (int i = m_ui->items->topLevelItemCount() - 1; i >= 0; --i) {
+        QTreeWidgetItem *row = m_ui->items->topLevelItem(i);
+        if (row->checkState(0) != Qt::Checked)
             continue;
         QString error;
-        if (act(m_saves.at(item->data(0, Qt::UserRole).toInt()), &error))
-            delete item;
+        if ((itemOf(*row).*act)(&error))
+            delete row;
         else
             errors.append(error);
     }
     if (!errors.isEmpty())
         QMessageBox::warning(this, windowTitle(), errors.join(QLatin1Char('\n')));
-    if (m_ui->saves->topLevelItemCount() == 0)
+    if (m_ui->items->topLevelItemCount() == 0)
         accept();
 }
 
 void RecoveryDialog::showPreview()
 {
-    const QTreeWidgetItem *item = m_ui->saves->currentItem();
-    m_ui->preview->setPlainText(
-        item ? previewOf(m_saves.at(item->data(0, Qt::UserRole).toInt()).temporary) : QString());
+    const QTreeWidgetItem *row = m_ui->items->currentItem();
+    const RecoveryItem::Preview preview = row ? itemOf(*row).preview() : RecoveryItem::Preview();
+    QVector<ComparedLine> lines = compareLines(preview.present, preview.left);
+    const auto different = std::find_if(lines.constBegin(), lines.constEnd(),
+                                        [](const ComparedLine &line) { return line.differs; });
+    const int first = different == lines.constEnd() ? 0 : int(different - lines.constBegin());
+    int top = qMax(0, first - RowsAbove);
+    QStringList notes(preview.note);
+    if (lines.size() > RowsShown) {
+        notes.append(tr("Only a part is shown, from line %1.").arg(top + 1));
+        lines = lines.mid(top, RowsShown);
+        top = 0;
+    }
+    showColumn(*m_ui->present, lines, &ComparedLine::before, &ComparedLine::hasBefore);
+    showColumn(*m_ui->preview, lines, &ComparedLine::after, &ComparedLine::hasAfter);
+    m_ui->present->verticalScrollBar()->setValue(top);
+    m_ui->preview->verticalScrollBar()->setValue(top);
+    m_ui->note->setText(notes.join(QLatin1Char(' ')).trimmed());
 }
 
 } // namespace Studio

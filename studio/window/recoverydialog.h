@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "studio/session/recovery.h"
-
+#include <QDateTime>
 #include <QDialog>
+#include <QList>
+#include <functional>
 #include <memory>
+
+class QTreeWidgetItem;
 
 namespace Ui {
 class RecoveryDialog;
@@ -12,30 +15,52 @@ class RecoveryDialog;
 
 namespace Studio {
 
-/// Offers to recover, or to clear away, what interrupted saves left behind. Each of the two acts on
-/// the files that are ticked; closing the dialog leaves the rest for the next time.
+/// Something of a file that was left behind, and what can be done with it.
+struct RecoveryItem
+{
+    enum Kind { Text, Save };
+    /// What the user compares.
+    struct Preview
+    {
+        QString present; ///< what the file holds now
+        QString left;
+        QString note; ///< why there is nothing to compare; empty otherwise
+    };
+    /// Does something with the item. Returns false, with the reason in \a error, on failure.
+    using Act = std::function<bool(QString *error)>;
+
+    Kind kind;
+    QString file;        ///< as the user knows it
+    QString place;       ///< where it was left
+    QDateTime time;      ///< when it was left
+    QString presentFile; ///< what is to be said of the file as it is now
+    std::function<Preview()> preview;
+    Act recover;
+    Act discard;
+};
+
+/// Offers to recover, or to discard, what was left behind. Each of the two acts on what is ticked,
+/// of which there is one for each file at most; closing the dialog leaves the rest for the next
+/// time.
 class RecoveryDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    RecoveryDialog(const QList<InterruptedSave> &saves, QWidget *parent);
+    RecoveryDialog(const QList<RecoveryItem> &items, QWidget *parent);
     ~RecoveryDialog() override;
 
-Q_SIGNALS:
-    /// \a file, an absolute name, was given its interrupted content.
-    void recovered(const QString &file);
-
 private:
+    void makeButtons();
     void addRow(int index);
-    void recoverTicked();
+    const RecoveryItem &itemOf(const QTreeWidgetItem &row) const;
+    void untickOthers(const QTreeWidgetItem *row);
     void discardTicked();
     /// Takes the ticked rows away for which \a act succeeds and reports the others.
-    template <typename Act>
-    void forTicked(Act act);
+    void forTicked(RecoveryItem::Act RecoveryItem::*act);
     void showPreview();
 
-    QList<InterruptedSave> m_saves;
+    const QList<RecoveryItem> m_items;
     std::unique_ptr<Ui::RecoveryDialog> m_ui;
 };
 

@@ -10,14 +10,22 @@
 #include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
 #include "studio/window/structuredock.h"
+#include "studio/window/textplaces.h"
+#include "studio/window/theme.h"
 
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QEventLoop>
+#include <QHelpEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QScreen>
+#include <QTextBlock>
+#include <QToolButton>
+#include <QToolTip>
 #include <QTreeView>
 
 namespace Studio {
@@ -31,27 +39,6 @@ void settle()
     QEventLoop loop;
     QTimer::singleShot(SettleTime, &loop, &QEventLoop::quit);
     loop.exec();
-}
-
-QPalette darkPalette()
-{
-    const QColor window(0x2b, 0x2d, 0x30);
-    const QColor base(0x1e, 0x1f, 0x22);
-    const QColor text(0xdf, 0xe1, 0xe5);
-    QPalette dark(text, window, QColor(0x4a, 0x4d, 0x52), QColor(0x18, 0x19, 0x1b),
-                  QColor(0x3c, 0x3f, 0x43), text, Qt::white, base, window);
-    dark.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
-    dark.setColor(QPalette::Highlight, QColor(0x2f, 0x6d, 0xb5));
-    dark.setColor(QPalette::HighlightedText, Qt::white);
-    dark.setColor(QPalette::ToolTipBase, window);
-    dark.setColor(QPalette::ToolTipText, text);
-    dark.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9d, 0xa3));
-    dark.setColor(QPalette::Link, QColor(0x6c, 0xa8, 0xf0));
-    const QColor weak(0x7d, 0x80, 0x86);
-    dark.setColor(QPalette::Disabled, QPalette::Text, weak);
-    dark.setColor(QPalette::Disabled, QPalette::WindowText, weak);
-    dark.setColor(QPalette::Disabled, QPalette::ButtonText, weak);
-    return dark;
 }
 
 } // namespace
@@ -124,39 +111,93 @@ void ScreenshotTour::showText()
     settle();
     take(QStringLiteral("animations"));
 
-    TextView *text = m_window.view().textView();
-    text->setFocus();
-    text->insertPlainText(QStringLiteral("frame"));
+    showEditing(*m_window.view().textEdit());
+    m_window.findChild<ProjectDock *>(QStringLiteral("projectDock"))->raise();
+}
+
+void ScreenshotTour::showEditing(QPlainTextEdit &text)
+{
+    text.setFocus();
+    goToPlace(text, lineWith(text, QStringLiteral("frame idle")), 0);
     settle();
-    take(QStringLiteral("typing"));
-    text->undo();
+    take(QStringLiteral("property-panel"));
+    m_window.host().action("code_fold_all")->trigger();
+    settle();
+    take(QStringLiteral("folded"));
+    m_window.host().action("code_unfold_all")->trigger();
+
+    text.moveCursor(QTextCursor::EndOfBlock);
+    typeKeys(text, QStringLiteral("\nframe nobody : 8\nframe "));
+    settle();
+    take(QStringLiteral("completion"));
+    typeKeys(text, QStringLiteral("\x1b"));
+    showToolTip(text, lineWith(text, QStringLiteral("nobody")), 8);
+    take(QStringLiteral("error"));
+    QToolTip::hideText();
+    while (text.document()->isModified())
+        text.undo();
+    takeDialog(QStringLiteral("snippet"), "code_snippet_insert");
+    takeDialog(QStringLiteral("snippet-editor"), "code_snippet_edit");
+
     m_window.host().action("replace")->trigger();
     m_window.findChild<QLineEdit *>(QStringLiteral("findText"))->setText(QStringLiteral("idle"));
     m_window.host().action("find_next")->trigger();
+    m_window.findChild<QToolButton *>(QStringLiteral("findEverywhere"))->click();
     settle();
     take(QStringLiteral("find"));
     m_window.findChild<QWidget *>(QStringLiteral("findBar"))->hide();
-    m_window.findChild<ProjectDock *>(QStringLiteral("projectDock"))->raise();
+    m_window.findChild<QWidget *>(QStringLiteral("messagesDock"))->raise();
+}
+
+// As a user would, for what only keys bring up.
+void ScreenshotTour::typeKeys(QWidget &widget, const QString &keys)
+{
+    for (const QChar key : keys) {
+        const bool isEscape = key == QLatin1Char('\x1b');
+        const int code = isEscape      ? int(Qt::Key_Escape)
+            : key == QLatin1Char('\n') ? int(Qt::Key_Return)
+                                       : int(key.toUpper().unicode());
+        const QString text = isEscape ? QString() : QString(key);
+        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
+        QCoreApplication::sendEvent(&widget, &press);
+        QKeyEvent release(QEvent::KeyRelease, code, Qt::NoModifier, text);
+        QCoreApplication::sendEvent(&widget, &release);
+    }
+}
+
+void ScreenshotTour::showToolTip(QPlainTextEdit &text, int line, int column)
+{
+    QTextCursor place(text.document()->findBlockByNumber(line));
+    place.setPosition(place.position() + column);
+    const QPoint position = text.cursorRect(place).center();
+    QHelpEvent help(QEvent::ToolTip, position, text.viewport()->mapToGlobal(position));
+    QCoreApplication::sendEvent(text.viewport(), &help);
+    settle();
+}
+
+int ScreenshotTour::lineWith(const QPlainTextEdit &text, const QString &words)
+{
+    return text.document()->find(words).blockNumber();
 }
 
 void ScreenshotTour::showDialogs()
 {
     takeDialog(QStringLiteral("backups"), "restore");
-    takeDialog(QStringLiteral("settings"), "settings", QString(), 1);
-    takeDialog(QStringLiteral("colours"), "settings", QString(), 2);
-    takeDialog(QStringLiteral("shortcuts"), "settings", QString(), 4);
+    takeDialog(QStringLiteral("settings"), "settings", QString(), 2);
+    takeDialog(QStringLiteral("colours"), "settings", QString(), 3);
+    takeDialog(QStringLiteral("formats"), "settings", QString(), 4);
+    takeDialog(QStringLiteral("shortcuts"), "settings", QString(), 6);
     takeDialog(QStringLiteral("command-palette"), "palette", QStringLiteral("re"));
     takeDialog(QStringLiteral("unsaved-question"), "close");
 }
 
 void ScreenshotTour::showDark()
 {
-    const QPalette light = QApplication::palette();
-    QApplication::setPalette(darkPalette());
+    m_window.host().setOption(QStringLiteral("theme"), int(Theme::Dark));
     settle();
     take(QStringLiteral("dark"));
-    takeDialog(QStringLiteral("dark-shortcuts"), "settings", QString(), 4);
-    QApplication::setPalette(light);
+    takeDialog(QStringLiteral("dark-shortcuts"), "settings", QString(), 6);
+    m_window.host().setOption(QStringLiteral("theme"), int(Theme::OfSystem));
     m_window.commands().save();
 }
 

@@ -4,6 +4,9 @@
 #include <QObject>
 #include <QStringList>
 
+class QPlainTextEdit;
+class QWidget;
+
 namespace Vela {
 class ParentProject;
 }
@@ -29,6 +32,10 @@ private:
     void showProject();
     /// Shows the tree of a text beside it while it is typed, and a search in it.
     void showText();
+    void showEditing(QPlainTextEdit &text);
+    static void typeKeys(QWidget &widget, const QString &keys);
+    static void showToolTip(QPlainTextEdit &text, int line, int column);
+    static int lineWith(const QPlainTextEdit &text, const QString &words);
     void showDialogs();
     void showDark();
     /// Takes a picture of the window, or of the whole screen where a dialog is open.

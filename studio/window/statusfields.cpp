@@ -9,9 +9,9 @@ namespace Studio {
 StatusFields::StatusFields(QStatusBar *bar)
     : QObject(bar)
 {
-    const QString names[FieldCount] = {tr("Position"), tr("Encoding"), tr("Engine")};
-    const QString tips[FieldCount] = {tr("Go to a line"), tr("Change the encoding"),
-                                      tr("About the engine")};
+    const QString names[FieldCount] = {tr("Position"), tr("Errors"), tr("Encoding or engine")};
+    const QString tips[FieldCount] = {tr("Go to a line"), tr("Go to the next error"),
+                                      tr("Change the encoding, or see the engine")};
     for (int field = 0; field < FieldCount; ++field) {
         auto *button = new QToolButton;
         button->setObjectName(QStringLiteral("statusField%1").arg(field));

@@ -14,7 +14,9 @@ class StatusFields : public QObject
     Q_OBJECT
 
 public:
-    enum Field { PositionField, EncodingField, RendererField, FieldCount };
+    /// What the fields say is the current editor's: for a text its position, the number of its
+    /// errors, and its encoding.
+    enum Field { PositionField, SecondField, LastField, FieldCount };
 
     explicit StatusFields(QStatusBar *bar);
 

@@ -2,6 +2,9 @@
 #include "studio/window/structuredock.h"
 
 #include "code/codedocument.h"
+#include "editor/codeeditor.h"
+#include "editor/codefileeditor.h"
+#include "editor/codeworkspace.h"
 #include "studio/session/documents.h"
 #include "studio/window/notelabel.h"
 
@@ -10,12 +13,6 @@
 #include <memory>
 
 namespace Studio {
-
-namespace {
-
-constexpr int FollowDelay = 40; // ms
-
-} // namespace
 
 StructureDock::StructureDock(QWidget *parent)
     : QDockWidget(tr("Structure"), parent)
@@ -30,18 +27,6 @@ StructureDock::StructureDock(QWidget *parent)
     m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_nothing->setAlignment(Qt::AlignCenter);
     m_nothing->setWordWrap(true);
-    m_followLater.setSingleShot(true);
-    m_followLater.setInterval(FollowDelay);
-    connect(&m_followLater, &QTimer::timeout, this, &StructureDock::follow);
-    connect(m_view, &QTreeView::clicked, this, [this](const QModelIndex &index) {
-        if (m_document)
-            Q_EMIT lineChosen(m_document->lineNo(index));
-    });
-    connect(m_view, &QTreeView::activated, this, [this](const QModelIndex &index) {
-        if (m_document)
-            Q_EMIT lineActivated(m_document->lineNo(index));
-    });
-
     connect(this, &QDockWidget::visibilityChanged, this, &StructureDock::onVisibilityChanged);
 
     auto *content = new QWidget;
@@ -49,28 +34,45 @@ StructureDock::StructureDock(QWidget *parent)
     layout->addWidget(m_nothing);
     layout->addWidget(m_view);
     setWidget(content);
-    setFile(nullptr);
+    setFile(nullptr, nullptr);
 }
 
-void StructureDock::setFile(Vela::ProjectFile *file)
+void StructureDock::setFile(Vela::ProjectFile *file, Vela::CodeFileEditor *editor)
 {
-    m_followLater.stop();
-    QAbstractItemModel *old = m_view->model();
-    m_document = documentOf(file);
-    QAbstractItemModel *model = m_document ? m_document->model() : nullptr;
-    if (model != old) {
-        if (old)
-            old->disconnect(this);
+    if (m_editor)
+        m_editor->setTreeView(nullptr);
+    m_editor = editor;
+    const Vela::CodeDocument *document = documentOf(file);
+    QAbstractItemModel *model = document ? file->model() : nullptr;
+    if (QAbstractItemModel *old = m_view->model())
+        old->disconnect(this);
+    if (model != m_view->model()) {
         const std::unique_ptr<QItemSelectionModel> selection(m_view->selectionModel());
         m_view->setModel(model);
     }
-    if (model && model != old) {
+    if (model) {
         connect(model, &QAbstractItemModel::rowsInserted, this, &StructureDock::showContent);
         connect(model, &QAbstractItemModel::rowsRemoved, this, &StructureDock::showContent);
         connect(model, &QAbstractItemModel::modelReset, this, &StructureDock::showContent);
     }
     m_nothing->setText(model ? tr("The text is empty.") : tr("This file has no structure."));
     showContent();
+    if (m_isSeen)
+        attach();
+}
+
+// Also goes to the row of the cursor.
+void StructureDock::attach()
+{
+    if (!m_editor || !m_editor->document())
+        return;
+    m_editor->setTreeView(m_view);
+    const int line = m_editor->workspace()->editor()->currentLine().line;
+    const QModelIndex index = m_editor->document()->indexInLine(unsigned(line));
+    if (index.model() != m_view->model())
+        return;
+    m_view->setCurrentIndex(index);
+    m_view->scrollTo(index);
 }
 
 void StructureDock::showContent()
@@ -81,28 +83,13 @@ void StructureDock::showContent()
     layout->setCurrentWidget(hasRows ? static_cast<QWidget *>(m_view) : m_nothing);
 }
 
-void StructureDock::followLine(int line)
-{
-    m_line = line;
-    if (m_document && m_isSeen && !m_followLater.isActive())
-        m_followLater.start();
-}
-
-void StructureDock::follow()
-{
-    const QModelIndex index =
-        m_line < 0 ? QModelIndex() : m_document->indexInLine(unsigned(m_line));
-    if (index == m_view->currentIndex())
-        return;
-    m_view->setCurrentIndex(index);
-    if (index.isValid())
-        m_view->scrollTo(index);
-}
-
 void StructureDock::onVisibilityChanged(bool seen)
 {
     m_isSeen = seen;
-    followLine(m_line);
+    if (seen)
+        attach();
+    else if (m_editor)
+        m_editor->setTreeView(nullptr);
 }
 
 QTreeView *StructureDock::view() const

@@ -2,19 +2,20 @@
 #pragma once
 
 #include <QDockWidget>
-#include <QTimer>
+#include <QPointer>
 
 class QLabel;
 class QTreeView;
 
 namespace Vela {
-class CodeDocument;
+class CodeFileEditor;
 class ProjectFile;
 } // namespace Vela
 
 namespace Studio {
 
-/// The tree of what the current text says. Its current row follows the cursor of the text.
+/// The tree of what the current text says. While it is seen, the editor of the text has it as its
+/// tree view: the current row follows the cursor, and the other way round.
 class StructureDock : public QDockWidget
 {
     Q_OBJECT
@@ -22,29 +23,20 @@ class StructureDock : public QDockWidget
 public:
     explicit StructureDock(QWidget *parent = nullptr);
 
-    /// Shows the tree of \a file, which must live until the next call; null shows none.
-    void setFile(Vela::ProjectFile *file);
-    /// Makes the row of a line, from 0, the current one, soon: a cursor can move faster than a
-    /// large tree can be looked through.
-    void followLine(int line);
-    QTreeView *view() const;
+    /// Shows the tree of \a file, which must live until the next call, for \a editor. Null shows
+    /// none.
+    void setFile(Vela::ProjectFile *file, Vela::CodeFileEditor *editor);
 
-Q_SIGNALS:
-    /// A row was clicked; \a line is its line from 0.
-    void lineChosen(int line);
-    /// Enter was pressed on a row.
-    void lineActivated(int line);
+    QTreeView *view() const;
 
 private:
     void showContent();
-    void follow();
+    void attach();
     void onVisibilityChanged(bool seen);
 
-    Vela::CodeDocument *m_document = nullptr;
+    QPointer<Vela::CodeFileEditor> m_editor;
     QTreeView *m_view;
     QLabel *m_nothing;
-    QTimer m_followLater;
-    int m_line = -1;
     bool m_isSeen = false; // false while another tab hides it, too
 };
 

@@ -2,16 +2,21 @@
 #include "studio/window/textsearch.h"
 
 #include "code/codedocument.h"
-#include "project/searchableprojectfile.h"
-#include "studio/session/documents.h"
-#include "studio/window/textview.h"
+#include "studio/session/projectsearch.h"
+#include "studio/window/textplaces.h"
 
+#include <QPlainTextEdit>
 #include <QTextBlock>
-#include <algorithm>
 
 namespace Studio {
 
 using Document = Vela::CodeDocument;
+
+namespace {
+
+constexpr int NearLines = 500; // at either side of the cursor
+
+} // namespace
 
 Vela::RegExp SearchTerm::expression() const
 {
@@ -25,9 +30,8 @@ Vela::RegExp SearchTerm::expression() const
     return Vela::RegExp(pattern, options);
 }
 
-TextSearch::TextSearch(Vela::ProjectFile &file, TextView &view)
-    : m_file(file)
-    , m_document(documentOf(&file))
+TextSearch::TextSearch(Vela::CodeDocument &document, QPlainTextEdit &view)
+    : m_document(document)
     , m_view(view)
 {
 }
@@ -50,8 +54,31 @@ TextSearch::Outcome TextSearch::find(const Vela::RegExp &expression, unsigned in
     const Result &match = found.first();
     const int start = position(match);
     const bool around = backward ? start >= from.selectionStart() : start < from.position();
-    m_view.select(match.line, match.column, match.length);
+    selectText(m_view, match.line, match.column, match.length);
     return around && !(flags & Document::FromStart) ? FoundAround : Found;
+}
+
+QList<QTextCursor> TextSearch::matchesNearby(const Vela::RegExp &expression) const
+{
+    QTextCursor lines = m_view.textCursor();
+    const int line = lines.blockNumber();
+    const auto block = [this](int number) {
+        return m_document.findBlockByNumber(qBound(0, number, m_document.blockCount() - 1));
+    };
+    const QTextBlock last = block(line + NearLines);
+    lines.setPosition(block(line - NearLines).position());
+    lines.setPosition(last.position() + last.length() - 1, QTextCursor::KeepAnchor);
+    const QString text = lines.selectedText().replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+
+    QList<QTextCursor> matches;
+    for (auto found = expression.globalMatch(text); found.hasNext();) {
+        const QRegularExpressionMatch match = found.next();
+        QTextCursor cursor = lines;
+        cursor.setPosition(lines.selectionStart() + match.capturedStart());
+        cursor.setPosition(lines.selectionStart() + match.capturedEnd(), QTextCursor::KeepAnchor);
+        matches.append(cursor);
+    }
+    return matches;
 }
 
 bool TextSearch::replace(const Vela::RegExp &expression, const QString &text)
@@ -63,51 +90,22 @@ bool TextSearch::replace(const Vela::RegExp &expression, const QString &text)
     if (found.isEmpty() || position(found.first()) != selected.selectionStart()
         || found.first().length != selected.selectionEnd() - selected.selectionStart())
         return false;
-    m_file.replace(found, text);
+    m_document.replace(found, text);
     return true;
 }
 
 int TextSearch::replaceAll(const Vela::RegExp &expression, const QString &text)
 {
-    const QList<Result> found = searchAll(expression);
-    m_file.replace(found, text);
+    const QList<Result> found = ProjectSearch::searchAll(m_document, expression);
+    m_document.replace(found, text);
     return found.size();
 }
 
 QList<TextSearch::Result> TextSearch::search(const Vela::RegExp &expression,
                                              const QTextCursor &from, unsigned int flags) const
 {
-    if (!m_document)
-        return nextOf(searchAll(expression), from, flags);
-    m_document->setCursor(from);
-    return m_document->search(expression, flags);
-}
-
-QList<TextSearch::Result> TextSearch::searchAll(const Vela::RegExp &expression) const
-{
-    return m_file.search(expression,
-                         m_document ? unsigned(Document::FindAll)
-                                    : unsigned(Vela::SearchableProjectFile::FindAll));
-}
-
-/// Chooses for a file that knows no cursor.
-QList<TextSearch::Result> TextSearch::nextOf(const QList<Result> &all, const QTextCursor &from,
-                                             unsigned int flags) const
-{
-    QList<Result> shown;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(shown),
-                 [this](const Result &result) { return result.line < m_view.blockCount(); });
-    const bool backward = flags & Document::Backward;
-    const int start = backward ? from.selectionStart() : from.position();
-    const auto edge = std::partition_point(shown.cbegin(), shown.cend(), [&](const Result &result) {
-        return position(result) < start;
-    });
-    const bool beyond = edge == (backward ? shown.cbegin() : shown.cend());
-    if (shown.isEmpty() || (beyond && !(flags & (Document::WrapAround | Document::FromStart))))
-        return {};
-    if (beyond || (flags & Document::FromStart))
-        return {backward ? shown.last() : shown.first()};
-    return {backward ? *(edge - 1) : *edge};
+    m_document.setCursor(from);
+    return m_document.search(expression, flags);
 }
 
 int TextSearch::position(const Result &result) const

@@ -6,13 +6,13 @@
 
 #include <QTextCursor>
 
+class QPlainTextEdit;
+
 namespace Vela {
 class CodeDocument;
 }
 
 namespace Studio {
-
-class TextView;
 
 /// What is looked for, as the user says it.
 struct SearchTerm
@@ -26,7 +26,7 @@ struct SearchTerm
     Vela::RegExp expression() const;
 };
 
-/// Finds and replaces in the text of a file, from where the cursor of its view stands.
+/// Finds and replaces in a text, from where the cursor of its view stands.
 class TextSearch
 {
 public:
@@ -36,11 +36,14 @@ public:
         FoundAround ///< beyond the end of the text, or beyond its start
     };
 
-    /// \a view shows the text of \a file.
-    TextSearch(Vela::ProjectFile &file, TextView &view);
+    /// \a view shows \a document.
+    TextSearch(Vela::CodeDocument &document, QPlainTextEdit &view);
 
     /// Selects a match, the next one by the flags of a CodeDocument's search.
     Outcome find(const Vela::RegExp &expression, unsigned int flags);
+    /// Returns the matches in the lines round the cursor. Those further away would cost more time
+    /// than there is with each key.
+    QList<QTextCursor> matchesNearby(const Vela::RegExp &expression) const;
     /// Replaces the selection if it is a match, and returns whether it is. "%1" and so on stand for
     /// the captures.
     bool replace(const Vela::RegExp &expression, const QString &text);
@@ -52,14 +55,10 @@ private:
 
     QList<Result> search(const Vela::RegExp &expression, const QTextCursor &from,
                          unsigned int flags) const;
-    QList<Result> searchAll(const Vela::RegExp &expression) const;
-    QList<Result> nextOf(const QList<Result> &all, const QTextCursor &from,
-                         unsigned int flags) const;
     int position(const Result &result) const;
 
-    Vela::ProjectFile &m_file;
-    Vela::CodeDocument *m_document; // null for a file that only the preview shows
-    TextView &m_view;
+    Vela::CodeDocument &m_document;
+    QPlainTextEdit &m_view;
 };
 
 } // namespace Studio

@@ -4,13 +4,10 @@
 #include "studio/colors.h"
 
 #include <QFontDatabase>
-#include <QMimeData>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPlainTextDocumentLayout>
 #include <QScrollBar>
 #include <QTextBlock>
-#include <algorithm>
 
 namespace Studio {
 
@@ -23,42 +20,21 @@ constexpr int MarginPadding = 8; // pixels at either side of a line's number
 TextView::TextView(const Colors &colors, QWidget *parent)
     : QPlainTextEdit(parent)
     , m_colors(colors)
-    , m_own(new QTextDocument(this))
     , m_margin(new QWidget(this))
 {
-    m_own->setDocumentLayout(new QPlainTextDocumentLayout(m_own));
-    setDocument(m_own);
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setTabStopDistance(4 * fontMetrics().horizontalAdvance(QLatin1Char(' ')));
     setFrameShape(QFrame::NoFrame);
+    setReadOnly(true);
+    // A text that is only read still has a cursor, so that the keyboard can reach all of it.
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_margin->installEventFilter(this);
     connect(this, &QPlainTextEdit::blockCountChanged, this, &TextView::placeMargin);
     connect(this, &QPlainTextEdit::updateRequest, this, &TextView::scrollMargin);
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, &TextView::markLine);
-    setLiveDocument(nullptr, false);
-    updateColors();
-}
-
-void TextView::setLiveDocument(QTextDocument *document, bool editable)
-{
-    QTextDocument *shown = document ? document : m_own;
-    if (shown != this->document()) {
-        // Both are the document's own, and each call lays all of it out again.
-        if (shown->defaultFont() != font())
-            shown->setDefaultFont(font());
-        const QTextOption look = m_own->defaultTextOption();
-        if (shown->defaultTextOption().tabStopDistance() != look.tabStopDistance()
-            || shown->defaultTextOption().wrapMode() != look.wrapMode())
-            shown->setDefaultTextOption(look);
-        setDocument(shown);
-    }
-    setReadOnly(!editable);
-    // A text that is only read still has a cursor, so that the keyboard can reach all of it.
-    if (!editable)
-        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     placeMargin();
-    markLine();
+    updateColors();
 }
 
 TextView::Place TextView::place() const
@@ -78,50 +54,6 @@ void TextView::setPlace(const Place &place)
     horizontalScrollBar()->setValue(place.left);
 }
 
-QTextCursor TextView::cursorAt(int line, int column) const
-{
-    const QTextBlock block =
-        document()->findBlockByNumber(qBound(0, line, document()->blockCount() - 1));
-    QTextCursor cursor(block);
-    cursor.setPosition(block.position() + qBound(0, column, block.length() - 1));
-    return cursor;
-}
-
-void TextView::goTo(int line, int column)
-{
-    setTextCursor(cursorAt(line, column));
-    centerCursor();
-    markLine();
-}
-
-void TextView::select(int line, int column, int length)
-{
-    QTextCursor cursor = cursorAt(line, column);
-    cursor.setPosition(qMin(cursor.position() + length, document()->characterCount() - 1),
-                       QTextCursor::KeepAnchor);
-    reveal(cursor);
-}
-
-void TextView::selectLine(int line)
-{
-    QTextCursor cursor = cursorAt(line, 0);
-    const QString text = cursor.block().text();
-    const auto said = std::find_if(text.begin(), text.end(), [](QChar c) { return !c.isSpace(); });
-    cursor.setPosition(cursor.position() + int(said - text.begin()));
-    cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-    reveal(cursor);
-}
-
-// A place that is in sight already stays where the eye has it.
-void TextView::reveal(const QTextCursor &cursor)
-{
-    const bool inSight = viewport()->rect().contains(cursorRect(cursor));
-    setTextCursor(cursor);
-    if (!inSight)
-        centerCursor();
-    markLine();
-}
-
 void TextView::updateColors()
 {
     QPalette own = palette();
@@ -130,11 +62,6 @@ void TextView::updateColors()
     if (own != palette())
         setPalette(own);
     markLine();
-}
-
-bool TextView::canInsertFromMimeData(const QMimeData *source) const
-{
-    return !source->hasUrls() && QPlainTextEdit::canInsertFromMimeData(source);
 }
 
 void TextView::resizeEvent(QResizeEvent *event)

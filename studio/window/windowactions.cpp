@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/windowactions.h"
 
+#include "editor/workspace.h"
+#include "studio/host.h"
 #include "studio/window/clipboardcommands.h"
+#include "studio/window/filecommands.h"
+#include "studio/window/filetabs.h"
 #include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
 
@@ -19,6 +23,12 @@ std::function<void(MainWindow &)> project(Command command)
     return [command](MainWindow &window) { (window.commands().*command)(); };
 }
 
+/// Runs a command on a single file.
+std::function<void(MainWindow &)> file(void (FileCommands::*command)())
+{
+    return [command](MainWindow &window) { (window.fileCommands().*command)(); };
+}
+
 /// Runs a command on the text that has the focus.
 std::function<void(MainWindow &)> clipboard(void (ClipboardCommands::*command)())
 {
@@ -31,6 +41,12 @@ std::function<void(MainWindow &)> find(void (FileView::*search)(bool), bool how)
     return [search, how](MainWindow &window) { (window.view().*search)(how); };
 }
 
+/// Runs a command of the workspace that is shown.
+std::function<void(MainWindow &)> zoom(void (Vela::Workspace::*command)())
+{
+    return [command](MainWindow &window) { (window.host().currentWorkspace()->*command)(); };
+}
+
 const WindowAction separator(const char *menu)
 {
     return {nullptr, menu, nullptr, {}, WindowAction::Nothing, WindowAction::MenuOnly, {}};
@@ -41,11 +57,11 @@ const WindowAction separator(const char *menu)
 const QVector<WindowMenu> &WindowMenu::table()
 {
     static const QVector<WindowMenu> menus = {
-        {"menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&File")},
-        {"menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Edit")},
-        {"menu_project", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Project")},
-        {"menu_view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&View")},
-        {"menu_help", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Help")},
+        {"file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&File")},
+        {"edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Edit")},
+        {"project", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Project")},
+        {"view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&View")},
+        {"help", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Help")},
     };
     return menus;
 }
@@ -54,72 +70,114 @@ const QVector<WindowMenu> &WindowMenu::table()
 const QVector<WindowAction> &WindowAction::table()
 {
     static const QVector<WindowAction> actions = {
-        {"new", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&New Project..."),
+        {"new", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&New Project..."),
          QKeySequence::New, Nothing, OnToolBar, project(&ProjectCommands::createNew)},
-        {"open", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Open Project..."),
+        {"open", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Open Project..."),
          QKeySequence::Open, Nothing, OnToolBar, project(&ProjectCommands::chooseAndOpen)},
-        separator("menu_file"),
-        {"save", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Save"),
+        separator("file"),
+        {"new_file", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "New F&ile..."),
+         Qt::CTRL + Qt::ALT + Qt::Key_N, AProject, MenuOnly, file(&FileCommands::createFile)},
+        {"add_file", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "A&dd Existing File..."),
+         {}, AProject, MenuOnly, file(&FileCommands::addFile)},
+        separator("file"),
+        {"save", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Save"),
          QKeySequence::Save, AProject, OnToolBar,
          project(&ProjectCommands::saveInBackground)},
-        {"save_as", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Save &As..."),
+        {"save_as", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Save &As..."),
          Qt::CTRL + Qt::SHIFT + Qt::Key_S, AProject, MenuOnly, project(&ProjectCommands::saveAs)},
-        separator("menu_file"),
-        {"close", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Close Project"),
+        {"save_file_as", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Save Fi&le As..."),
+         {}, AFile, MenuOnly, file(&FileCommands::saveFileAs)},
+        {"save_as_utf8", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Save as &UTF-8"),
+         {}, AnEditableText, MenuOnly, file(&FileCommands::saveAsUtf8)},
+        separator("file"),
+        {"settings", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Se&ttings..."),
+         Qt::CTRL + Qt::Key_Comma, Nothing, MenuOnly, &MainWindow::showSettings},
+        separator("file"),
+        {"close_file", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "Close &File"),
+         Qt::CTRL + Qt::Key_F4, AProject, MenuOnly,
+         [](MainWindow &window) { window.tabs().closeCurrent(); }},
+        {"close", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Close Project"),
          Qt::CTRL + Qt::Key_W, AProject, MenuOnly,
          [](MainWindow &window) { window.commands().close(); }},
-        {"quit", "menu_file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Quit"),
+        {"quit", "file", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Quit"),
          Qt::CTRL + Qt::Key_Q, Nothing, MenuOnly, [](MainWindow &window) { window.close(); }},
 
-        {"undo", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Undo"),
+        {"undo", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Undo"),
          Qt::CTRL + Qt::Key_Z, ToUndo, OnToolBar, &MainWindow::undo},
-        {"redo", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Redo"),
+        {"redo", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Redo"),
          Qt::CTRL + Qt::SHIFT + Qt::Key_Z, ToRedo, OnToolBar, &MainWindow::redo},
-        separator("menu_edit"),
-        {"cut", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Cu&t"),
+        separator("edit"),
+        {"cut", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Cu&t"),
          Qt::CTRL + Qt::Key_X, ToCut, MenuOnly, clipboard(&ClipboardCommands::cut)},
-        {"copy", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Copy"),
+        {"copy", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Copy"),
          Qt::CTRL + Qt::Key_C, ToCopy, MenuOnly, clipboard(&ClipboardCommands::copy)},
-        {"paste", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Paste"),
+        {"paste", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Paste"),
          Qt::CTRL + Qt::Key_V, ToPaste, MenuOnly, clipboard(&ClipboardCommands::paste)},
-        {"select_all", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Select &All"),
+        {"select_all", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Select &All"),
          Qt::CTRL + Qt::Key_A, ToSelect, MenuOnly, clipboard(&ClipboardCommands::selectAll)},
-        separator("menu_edit"),
-        {"find", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Find..."),
+        separator("edit"),
+        {"find", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Find..."),
          Qt::CTRL + Qt::Key_F, AText, OnToolBar, find(&FileView::openFindBar, false)},
-        {"find_next", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find &Next"),
+        {"find_next", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find &Next"),
          Qt::Key_F3, AText, MenuOnly, find(&FileView::findNext, false)},
-        {"find_previous", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find Pre&vious"),
+        {"find_previous", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find Pre&vious"),
          Qt::SHIFT + Qt::Key_F3, AText, MenuOnly, find(&FileView::findNext, true)},
-        {"replace", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Rep&lace..."),
+        {"find_in_files", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Find in F&iles..."),
+         Qt::CTRL + Qt::SHIFT + Qt::Key_F, AProject, MenuOnly, &MainWindow::findInFiles},
+        {"replace", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Rep&lace..."),
          Qt::CTRL + Qt::Key_H, AnEditableText, MenuOnly, find(&FileView::openFindBar, true)},
-        separator("menu_edit"),
-        {"go_to_line", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Go to Line..."),
-         Qt::CTRL + Qt::Key_G, AText, MenuOnly, &MainWindow::goToLine},
-        {"next_message", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Ne&xt Message"),
+        separator("edit"),
+        {"go_to_file", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Go to Fi&le..."),
+         Qt::CTRL + Qt::Key_P, AProject, MenuOnly, &MainWindow::goToFile},
+        {"go_to_symbol", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Go to S&ymbol..."),
+         Qt::CTRL + Qt::Key_T, AProject, MenuOnly, &MainWindow::goToSymbol},
+        {"fold_block", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Fold or Unfold &Block"),
+         Qt::CTRL + Qt::ALT + Qt::Key_F, AText, MenuOnly, &MainWindow::toggleFold},
+        {"insert_snippet", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Insert S&nippet..."),
+         Qt::CTRL + Qt::SHIFT + Qt::Key_J, AnEditableText, MenuOnly, &MainWindow::insertSnippet},
+        {"next_message", "edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "Ne&xt Message"),
          Qt::Key_F8, AProject, MenuOnly, &MainWindow::nextMessage},
-        {"previous_message", "menu_edit",
+        {"previous_message", "edit",
          QT_TRANSLATE_NOOP("Studio::WindowAction", "Previous &Message"),
          Qt::SHIFT + Qt::Key_F8, AProject, MenuOnly, &MainWindow::previousMessage},
-        separator("menu_edit"),
-        {"settings", "menu_edit", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Settings..."),
-         Qt::CTRL + Qt::Key_Comma, Nothing, MenuOnly, &MainWindow::showSettings},
 
-        {"backup", "menu_project", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Back Up..."),
+        {"backup", "project", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Back Up..."),
          Qt::CTRL + Qt::Key_B, AProject, OnToolBar, project(&ProjectCommands::backup)},
-        {"restore", "menu_project", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Restore Backup..."),
+        {"restore", "project", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Restore Backup..."),
          {}, AProject, MenuOnly, project(&ProjectCommands::restore)},
-        separator("menu_project"),
-        {"reload", "menu_project", QT_TRANSLATE_NOOP("Studio::WindowAction", "Re&load"),
+        separator("project"),
+        {"reload", "project", QT_TRANSLATE_NOOP("Studio::WindowAction", "Re&load"),
          Qt::Key_F5, AProject, OnToolBar, project(&ProjectCommands::reload)},
 
-        {"palette", "menu_view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Command Palette..."),
+        {"zoom_in", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Zoom &In"),
+         QKeySequence::ZoomIn, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomIn)},
+        {"zoom_out", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Zoom &Out"),
+         QKeySequence::ZoomOut, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomOut)},
+        {"zoom_actual", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Actual &Size"),
+         Qt::CTRL + Qt::Key_0, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomActual)},
+        {"zoom_fit", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Fit"),
+         Qt::CTRL + Qt::Key_9, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomFit)},
+        separator("view"),
+        {"next_file", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Next File"),
+         Qt::CTRL + Qt::Key_Tab, AProject, MenuOnly,
+         [](MainWindow &window) { window.tabs().goOn(1); }},
+        {"previous_file", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Previous File"),
+         Qt::CTRL + Qt::SHIFT + Qt::Key_Tab, AProject, MenuOnly,
+         [](MainWindow &window) { window.tabs().goOn(-1); }},
+        separator("view"),
+        {"next_pane", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Next Pa&ne"),
+         Qt::Key_F6, Nothing, MenuOnly, [](MainWindow &window) { window.goToPane(1); }},
+        {"previous_pane", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Previous Pan&e"),
+         Qt::SHIFT + Qt::Key_F6, Nothing, MenuOnly,
+         [](MainWindow &window) { window.goToPane(-1); }},
+        separator("view"),
+        {"palette", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Command Palette..."),
          Qt::CTRL + Qt::SHIFT + Qt::Key_P, Nothing, MenuOnly, &MainWindow::showPalette},
-        {"reset_layout", "menu_view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Reset Layout"),
+        {"reset_layout", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Reset Layout"),
          {}, Nothing, MenuOnly, &MainWindow::resetLayout},
-        separator("menu_view"),
+        separator("view"),
 
-        {"about", "menu_help", QT_TRANSLATE_NOOP("Studio::WindowAction", "&About Vela Studio"),
+        {"about", "help", QT_TRANSLATE_NOOP("Studio::WindowAction", "&About Vela Studio"),
          {}, Nothing, MenuOnly, &MainWindow::showAbout},
     };
     return actions;

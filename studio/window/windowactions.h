@@ -16,6 +16,8 @@ struct WindowAction
     enum Need {
         Nothing,
         AProject,
+        AWorkspace, ///< that is shown
+        AFile,      ///< that is shown
         AText,
         AnEditableText,
         ToUndo,

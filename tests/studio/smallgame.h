@@ -19,7 +19,7 @@ inline QMap<QString, QByteArray> files()
         {QStringLiteral("hero/hero.lantern"),
          "[project]\r\nname = Hero\r\nkind = character\r\n[files]\r\n"
          "sprites = sprites/idle.png\r\nscripts = hero.script\r\n"},
-        {QStringLiteral("hero/hero.script"), "wait 1\r\nwait 2\r\n"},
+        {QStringLiteral("hero/hero.script"), "[script hero]\r\nat 1   wait 2\r\n"},
         {QStringLiteral("hero/sprites/idle.png"), QByteArray("\x89PNG\r\n\0\xff raw", 12)},
         {QStringLiteral("wolf/wolf.lantern"),
          "[project]\r\nname = Wolf\r\nkind = character\r\n[files]\r\n"

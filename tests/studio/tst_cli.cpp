@@ -132,7 +132,7 @@ void TestCli::callsAndExitCodes_data()
     QTest::newRow("unknown animation") << "play @ walk --ticks 1" << 2 << "walk";
     QTest::newRow("tree of a folder") << "tree @/hero" << 2 << "hero";
     QTest::newRow("tree of nothing") << "tree @/hero/no.motion" << 2 << "no.motion";
-    QTest::newRow("tree of a script") << "tree @/hero/hero.script" << 2 << "definition text";
+    QTest::newRow("tree of a picture") << "tree @/hero/sprites/idle.png" << 2 << "definition text";
     QTest::newRow("format of nothing") << "format @/no.motion" << 2 << "no.motion";
     QTest::newRow("no animations") << "animations @" << 0 << "";
     QTest::newRow("project is nowhere") << "check @/nowhere" << 2 << "nowhere";
@@ -257,7 +257,7 @@ void TestCli::infoAsJson()
         (QStringList{QStringLiteral("hero/hero.lantern Main %1")
                          .arg(SmallGame::files().value(QStringLiteral("hero/hero.lantern")).size()),
                      QStringLiteral("hero/sprites/idle.png Sprites 12"),
-                     QStringLiteral("hero/hero.script Scripts 16")}));
+                     QStringLiteral("hero/hero.script Scripts 30")}));
     QVERIFY(!string(files.first(), "encoding").isEmpty());
     QVERIFY(!files.at(1).toObject().contains(QStringLiteral("encoding")));
     QVERIFY(!projects.at(2).toObject().value(QStringLiteral("open")).toBool());

@@ -346,13 +346,13 @@ void TestCliTexts::formatGoesOnBehindAFailure()
     SmallGame::writeFile(path("wolf/run.motion"), "[animation  run]\n");
     const Result result =
         run(QStringLiteral(
-                "format @/hero/hero.motion @/no.motion @/hero/hero.script @/wolf/run.motion"),
+                "format @/hero/hero.motion @/no.motion @/hero/sprites/idle.png @/wolf/run.motion"),
             m_game);
     QCOMPARE(result.code, 2);
     QCOMPARE(linesOf(result.out), (QStringList{path("hero/hero.motion"), path("wolf/run.motion")}));
     QCOMPARE(linesOf(result.err).size(), 2);
     QVERIFY(result.err.contains(QStringLiteral("no.motion")));
-    QVERIFY(result.err.contains(QStringLiteral("hero.script")));
+    QVERIFY(result.err.contains(QStringLiteral("idle.png")));
     QCOMPARE(SmallGame::readFile(path("hero/hero.motion")), QByteArray("[animation run]\r\n"));
     QCOMPARE(SmallGame::readFile(path("wolf/run.motion")), QByteArray("[animation run]\r\n"));
 }

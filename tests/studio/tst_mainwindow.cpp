@@ -2,7 +2,6 @@
 #include "studio/windowfixture.h"
 
 #include "frame/controldescriptor.h"
-#include "studio/window/textview.h"
 #include "support/limits_unix.h"
 
 #include <QDropEvent>
@@ -12,6 +11,8 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSpinBox>
+#include <QTextBlock>
 #include <QToolButton>
 #include <cstdio>
 
@@ -146,7 +147,7 @@ void TestMainWindow::projectIsOpenedAndClosed()
     QCOMPARE(f->window->currentPath(), QStringLiteral("game.lantern"));
     QCOMPARE(f->host->parentProjectCount(), 1U);
     QCOMPARE(f->window->recentProjects().paths(), QStringList(f->meadow()));
-    const auto *text = f->find<TextView>("textView");
+    const auto *text = f->find<QPlainTextEdit>("codeEditor");
     QCOMPARE(text->toPlainText().toUtf8(), onDisk(QStringLiteral("game.lantern")));
     QVERIFY(f->clickFile(QString::fromUtf8("mill/bilder/Mühle.png")));
 
@@ -189,7 +190,7 @@ void TestMainWindow::changedFileIsMarkedUntilItIsSaved()
     const QModelIndex row = dock->model().indexOf(rowan);
     QCOMPARE(row.data().toString(), QString(QStringLiteral("rowan.lantern \u25CF")));
     // The view shows what is not saved yet.
-    const auto *text = f->find<TextView>("textView");
+    const auto *text = f->find<QPlainTextEdit>("codeEditor");
     QTRY_VERIFY(text->toPlainText().contains(QLatin1String("Nobody")));
     QCOMPARE(onDisk(rowan), before);
 
@@ -281,7 +282,7 @@ void TestMainWindow::backupIsRestoredOnlyWhenConfirmed()
     dialogs.answer(QMessageBox::Yes);
     f->trigger("restore");
     QCOMPARE(onDisk(rowan), before);
-    const auto *text = f->find<TextView>("textView");
+    const auto *text = f->find<QPlainTextEdit>("codeEditor");
     QTRY_COMPARE(text->toPlainText().toUtf8(), before);
     QVERIFY(!f->window->isWindowModified());
 }
@@ -349,7 +350,7 @@ void TestMainWindow::messageLeadsToItsLine()
     QCOMPARE(dock->windowTitle(), QStringLiteral("Messages (1)"));
     WindowFixture::doubleClick(dock->view(), dock->view()->model()->index(0, 0));
     QCOMPARE(f->window->currentPath(), rowan);
-    const auto *text = f->find<TextView>("textView");
+    const auto *text = f->find<QPlainTextEdit>("codeEditor");
     QCOMPARE(text->textCursor().blockNumber(), line);
 
     auto *errors = f->find<QToolButton>("message_error");
@@ -391,7 +392,7 @@ void TestMainWindow::fileChangedOutsideIsAskedAbout()
             0);
     QTRY_COMPARE(dialogs.dialogs.size(), 1);
     QCOMPARE(dialogs.dialogs.first().title, QStringLiteral("File modified"));
-    const auto *text = f->find<TextView>("textView");
+    const auto *text = f->find<QPlainTextEdit>("codeEditor");
     if (reads)
         QTRY_COMPARE(text->toPlainText().toUtf8(), other);
     else
@@ -424,7 +425,7 @@ void TestMainWindow::unsavedFileChangedOutsideIsAskedAboutTwice()
     QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.lantern"), other));
     QTRY_COMPARE(dialogs.dialogs.size(), 2);
     QCOMPARE(dialogs.dialogs.last().defaultButton, QMessageBox::No);
-    const auto *text = f->find<TextView>("textView");
+    const auto *text = f->find<QPlainTextEdit>("codeEditor");
     QTRY_COMPARE(text->toPlainText().contains(QLatin1String("Nobody")), kept);
     QTRY_COMPARE(f->window->isWindowModified(), kept);
     const QModelIndex row = f->find<ProjectDock>("projectDock")->model().indexOf(rowan);
@@ -474,40 +475,43 @@ void TestMainWindow::statusFieldsAct()
 {
     QVERIFY(f->window->openProject(f->meadow()));
     QVERIFY(f->clickFile(rowan));
+    auto *text = f->find<QPlainTextEdit>("codeEditor");
+    const QString lines = QString::number(onDisk(rowan).count('\n') + 1);
     auto *position = f->find<QToolButton>("statusField0");
-    QCOMPARE(position->text(), QStringLiteral("Line 1, Column 1"));
+    QCOMPARE(position->text(), QStringLiteral("Line: 1, Column: 1, Line count: ") + lines);
     DialogAnswerer dialogs;
     dialogs.handle([](QDialog *dialog) {
-        qobject_cast<QInputDialog *>(dialog)->setIntValue(3);
+        dialog->findChild<QSpinBox *>()->setValue(3);
         dialog->accept();
     });
     QTest::mouseClick(position, Qt::LeftButton);
-    QCOMPARE(position->text(), QStringLiteral("Line 3, Column 1"));
+    QCOMPARE(position->text(), QStringLiteral("Line: 3, Column: 1, Line count: ") + lines);
 
-    auto *encoding = f->find<QToolButton>("statusField1");
-    QCOMPARE(encoding->text(), QStringLiteral("UTF-8"));
-    QTimer::singleShot(0, this, [] {
-        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        const int utf16 = Vela::TextCodecs::index("UTF-16");
-        menu->actions().at(utf16)->trigger();
-        menu->close();
-    });
-    QTest::mouseClick(encoding, Qt::LeftButton);
-    QTRY_COMPARE(encoding->text(), QStringLiteral("UTF-16"));
-    QVERIFY(f->window->isWindowModified());
-    QCOMPARE(f->find<QToolButton>("statusField2")->text(), QStringLiteral("Lantern"));
+    auto *errors = f->find<QToolButton>("statusField1");
+    text->moveCursor(QTextCursor::End);
+    QTest::keyClicks(text, QStringLiteral("banana"));
+    QTRY_COMPARE(errors->text(), QStringLiteral("Syntax error count: 1"));
+    text->moveCursor(QTextCursor::Start);
+    QTest::mouseClick(errors, Qt::LeftButton);
+    QCOMPARE(text->textCursor().block().text(), QStringLiteral("banana"));
+
+    // Without a text the last field is the engine's.
+    auto *last = f->find<QToolButton>("statusField2");
+    QCOMPARE(last->text(), QStringLiteral("Encoding: UTF-8"));
+    QVERIFY(f->clickFile(QStringLiteral("rowan/sprites/idle.png")));
+    QCOMPARE(last->text(), QStringLiteral("Lantern"));
+    QCOMPARE(position->text(), QString());
 }
 
 void TestMainWindow::paletteRunsACommand()
 {
     QVERIFY(f->window->openProject(f->meadow()));
     DialogAnswerer dialogs;
-    dialogs.handle([](QDialog *dialog) { typeAndAccept(dialog, QStringLiteral("go to li")); });
+    dialogs.handle([](QDialog *dialog) { typeAndAccept(dialog, QStringLiteral("about")); });
     dialogs.cancel();
     QTest::keyClick(f->window.get(), Qt::Key_P, Qt::ControlModifier | Qt::ShiftModifier);
     QTRY_COMPARE(dialogs.dialogs.size(), 2);
-    QCOMPARE(dialogs.dialogs.last().title, QStringLiteral("Go to Line"));
+    QCOMPARE(dialogs.dialogs.last().title, QStringLiteral("About Vela Studio"));
     QTRY_VERIFY(dialogs.isDone());
 }
 

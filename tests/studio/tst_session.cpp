@@ -575,7 +575,7 @@ void TestSession::interruptedSavesAreFound()
     QVERIFY(found.at(0).targetExists && !found.at(0).differs);
     QCOMPARE(found.at(1).temporary, game + QLatin1String("hero/hero.scriptAb3dE9"));
     QVERIFY(found.at(1).targetExists && found.at(1).differs);
-    QCOMPARE(found.at(1).targetSize, 16);
+    QCOMPARE(found.at(1).targetSize, 30);
     QCOMPARE(found.at(1).temporarySize, 16);
     QCOMPARE(found.at(2).target, game + QLatin1String("hero/sprites/jump.png"));
     QVERIFY(!found.at(2).targetExists && found.at(2).differs);

@@ -6,7 +6,7 @@
 #include "studio/session/documents.h"
 #include "studio/window/fileview.h"
 #include "studio/window/structuredock.h"
-#include "studio/window/textview.h"
+#include "studio/window/textplaces.h"
 #include "support/limits_unix.h"
 
 #include <QAbstractItemModelTester>
@@ -14,11 +14,12 @@
 #include <QClipboard>
 #include <QDropEvent>
 #include <QLabel>
-#include <QMenu>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QToolButton>
+#include <QTreeWidget>
 
 using namespace Studio;
 
@@ -29,6 +30,9 @@ const QString motionPath = QStringLiteral("rowan/rowan.motion");
 
 // Comments only, so that nothing but the text counts.
 const QByteArray words = "# one two One\r\n# twofold (two)\r\n# one\r\n";
+
+// What is listed as a sound, but is a text.
+const QString notePath = QStringLiteral("rowan/sounds/step.wav");
 
 // The same as a text: a last line end begins a line.
 const QString wordText = QStringLiteral("# one two One\n# twofold (two)\n# one\n");
@@ -43,7 +47,7 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
-    void nodeSelectsItsLine();
+    void nodeLeadsToItsLine();
     void cursorLeadsTheTree();
     void typingIsFollowedAtOnce();
     void historyIsThatOfTheText();
@@ -61,7 +65,7 @@ private Q_SLOTS:
     void wordsAreFound();
     void emptyMatchesArePassed();
     void matchesAreReplaced();
-    void previewIsSearched();
+    void previewIsReadOnly();
     void findBarFitsANarrowDarkWindow();
 
 private:
@@ -72,7 +76,7 @@ private:
     Vela::CodeDocument *document() const;
 
     std::unique_ptr<WindowFixture> f;
-    TextView *text = nullptr;
+    QPlainTextEdit *text = nullptr;
 };
 
 void TestTextView::init()
@@ -80,7 +84,8 @@ void TestTextView::init()
     f = std::make_unique<WindowFixture>();
     QVERIFY(QTest::qWaitForWindowActive(f->window.get()));
     QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.motion"), words));
-    text = f->find<TextView>("textView");
+    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/sounds/step.wav"), words));
+    text = f->find<QPlainTextEdit>("codeEditor");
 }
 
 void TestTextView::cleanup()
@@ -107,7 +112,7 @@ QByteArray TestTextView::onDisk(const QString &path) const
     return SmallGame::readFile(f->meadow() + QLatin1Char('/') + path);
 }
 
-void TestTextView::nodeSelectsItsLine()
+void TestTextView::nodeLeadsToItsLine()
 {
     QVERIFY(open(mainPath));
     auto *dock = f->find<StructureDock>("structureDock");
@@ -119,11 +124,12 @@ void TestTextView::nodeSelectsItsLine()
     QVERIFY(!name.data(Qt::DecorationRole).value<QIcon>().isNull());
     tree->setFocus();
     WindowFixture::click(tree, name);
-    QCOMPARE(text->textCursor().selectedText(), QString::fromUtf8("author = Zoë Wójcik"));
-    QVERIFY(tree->hasFocus());
+    QCOMPARE(text->textCursor().block().text(), QString::fromUtf8("author = Zoë Wójcik"));
+    QVERIFY(text->hasFocus());
+    tree->setFocus();
     QTest::keyClick(tree, Qt::Key_Up);
     QTest::keyClick(tree, Qt::Key_Return);
-    QCOMPARE(text->textCursor().selectedText(), QStringLiteral("name = Rowan"));
+    QCOMPARE(text->textCursor().block().text(), QStringLiteral("name = Rowan"));
     QVERIFY(text->hasFocus());
 
     // A picture has no tree, and the text is left in peace.
@@ -137,7 +143,7 @@ void TestTextView::cursorLeadsTheTree()
     QVERIFY(open(mainPath));
     auto *dock = f->find<StructureDock>("structureDock");
     dock->raise();
-    text->goTo(0, 0);
+    goToPlace(*text, 0, 0);
     while (!text->textCursor().block().text().startsWith(QLatin1String("kind")))
         QTest::keyClick(text, Qt::Key_Down);
     const QModelIndex kind = dock->view()->model()->index(2, 0, dock->view()->model()->index(0, 0));
@@ -209,14 +215,14 @@ void TestTextView::placeComesBack()
         lines += "# line " + QByteArray::number(i) + '\n';
     QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.motion"), lines));
     QVERIFY(open(motionPath));
-    text->goTo(300, 0);
-    QTest::keyClick(text, Qt::Key_Right, Qt::ShiftModifier);
+    goToPlace(*text, 300, 0);
+    QTest::keyClick(text, Qt::Key_Right);
     text->verticalScrollBar()->setValue(280);
     QVERIFY(f->clickFile(mainPath));
     QCOMPARE(text->textCursor().position(), 0);
     QVERIFY(f->clickFile(motionPath));
     QCOMPARE(text->textCursor().blockNumber(), 300);
-    QCOMPARE(text->textCursor().selectedText(), QStringLiteral("#"));
+    QCOMPARE(text->textCursor().positionInBlock(), 1);
     QCOMPARE(text->verticalScrollBar()->value(), 280);
 }
 
@@ -240,8 +246,8 @@ void TestTextView::clipboardBelongsToTheFocus()
     QCOMPARE(f->find<QLineEdit>("findText")->text(), QStringLiteral("two"));
     QCOMPARE(text->toPlainText(), wordText);
 
-    QVERIFY(f->clickFile(QStringLiteral("rowan/scripts/rowan.script")));
-    text->setFocus();
+    QVERIFY(f->clickFile(notePath));
+    f->window->view().textEdit()->setFocus();
     f->trigger("select_all");
     QVERIFY(f->host->action("copy")->isEnabled());
     QVERIFY(!f->host->action("cut")->isEnabled() && !f->host->action("paste")->isEnabled());
@@ -302,16 +308,17 @@ void TestTextView::tokensHaveTheHostsColors()
 void TestTextView::encodingIsPartOfTheFile()
 {
     QVERIFY(open(motionPath));
-    auto *encoding = f->find<QToolButton>("statusField1");
-    QCOMPARE(encoding->text(), QStringLiteral("UTF-8"));
-    QTimer::singleShot(0, this, [] {
-        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        menu->actions().at(Vela::TextCodecs::index("UTF-16LE"))->trigger();
-        menu->close();
+    auto *encoding = f->find<QToolButton>("statusField2");
+    QCOMPARE(encoding->text(), QStringLiteral("Encoding: UTF-8"));
+    DialogAnswerer dialogs;
+    dialogs.handle([](QDialog *dialog) {
+        auto *list = dialog->findChild<QTreeWidget *>();
+        list->setCurrentItem(list->topLevelItem(Vela::TextCodecs::index("UTF-16LE")));
+        dialog->accept();
     });
+    dialogs.answer(QMessageBox::No);
     QTest::mouseClick(encoding, Qt::LeftButton);
-    QTRY_COMPARE(encoding->text(), QStringLiteral("UTF-16LE"));
+    QCOMPARE(encoding->text(), QStringLiteral("Encoding: UTF-16LE"));
     QVERIFY(f->window->isWindowModified());
     QVERIFY(f->window->commands().save());
     QVERIFY(onDisk(motionPath).contains(QByteArray("o\0n\0e\0", 6)));
@@ -379,10 +386,10 @@ void TestTextView::unreadableTextIsNotEdited()
     QVERIFY(QFile::remove(f->inMeadow("rowan/rowan.motion")));
     f->window->setCurrentFile(motionPath);
     QVERIFY(f->find<QLabel>("noPreview")->isVisible());
-    QVERIFY(!f->window->view().textView());
+    QVERIFY(!f->window->view().textEdit());
     QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.motion"), words));
     f->trigger("reload");
-    QTRY_VERIFY(f->window->view().textView());
+    QTRY_VERIFY(f->window->view().textEdit());
     QCOMPARE(text->toPlainText(), wordText);
     QVERIFY(!text->isReadOnly());
 }
@@ -466,7 +473,7 @@ void TestTextView::wordsAreFound()
     QFETCH(QString, match);
     QFETCH(QString, note);
     QVERIFY(open(motionPath));
-    text->goTo(from.y(), from.x());
+    goToPlace(*text, from.y(), from.x());
     typeTerm("Ctrl+F", typed);
     for (const char *name : {"findCase", "findWords", "findExpression", "findWrap", "findEdge"})
         clickOption(name, options.contains(QLatin1String(name)));
@@ -491,7 +498,7 @@ void TestTextView::wordsAreFound()
 void TestTextView::emptyMatchesArePassed()
 {
     QVERIFY(open(motionPath));
-    text->goTo(0, 1);
+    goToPlace(*text, 0, 1);
     typeTerm("Ctrl+F", QStringLiteral("^"));
     clickOption("findExpression");
     QVector<int> lines;
@@ -529,23 +536,16 @@ void TestTextView::matchesAreReplaced()
     QCOMPARE(text->toPlainText(), wordText);
 }
 
-void TestTextView::previewIsSearched()
+void TestTextView::previewIsReadOnly()
 {
-    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/scripts/rowan.script"), words));
-    QVERIFY(open(QStringLiteral("rowan/scripts/rowan.script")));
-    QVERIFY(!f->host->action("replace")->isEnabled());
+    QVERIFY(open(motionPath));
     typeTerm("Ctrl+F", QStringLiteral("two"));
-    QVERIFY(!f->find<QLineEdit>("replaceText")->isVisible());
-    QVector<int> places;
-    for (int i = 0; i < 4; ++i) {
-        QTest::keyClick(f->window.get(), Qt::Key_F3);
-        QCOMPARE(text->textCursor().selectedText(), QStringLiteral("two"));
-        places.append(text->textCursor().selectionStart());
-    }
-    // Lines of 14 and 16 characters with their ends.
-    QCOMPARE(places, (QVector<int>{6, 16, 25, 6}));
-    QTest::keyClick(f->window.get(), Qt::Key_F3, Qt::ShiftModifier);
-    QCOMPARE(text->textCursor().selectionStart(), 25);
+    QVERIFY(f->clickFile(notePath));
+    const QPlainTextEdit *preview = f->window->view().textEdit();
+    QCOMPARE(preview->toPlainText(), wordText);
+    QVERIFY(preview->isReadOnly());
+    QVERIFY(!f->host->action("find")->isEnabled() && !f->host->action("replace")->isEnabled());
+    QVERIFY(f->find<QWidget>("findBar")->isHidden());
 }
 
 void TestTextView::findBarFitsANarrowDarkWindow()

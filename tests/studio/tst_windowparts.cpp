@@ -4,7 +4,7 @@
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
-#include "studio/window/commandpalette.h"
+#include "studio/window/picker.h"
 #include "studio/window/filecontent.h"
 #include "studio/window/filesavedialog.h"
 #include "studio/window/settingsdialog.h"
@@ -112,7 +112,7 @@ void TestWindowParts::paletteRanksCommands()
     QMap<int, QString> ranked;
     for (const QString &text : {QStringLiteral("File: Share"), QStringLiteral("Edit: Redo"),
                                 QStringLiteral("File: Save")}) {
-        const int rank = CommandPalette::rank(text, typed);
+        const int rank = Picker::rank(text, typed);
         if (rank >= 0)
             ranked.insert(rank, text);
     }
@@ -178,7 +178,8 @@ void TestWindowParts::fileGoesWhereTheUserSays()
     Vela::FileSaver *saver = f->host->editorForFile(script, Vela::Project::Scripts);
     QVERIFY(saver);
     saver->saveFileAs(script);
-    QCOMPARE(SmallGame::readFile(target), SmallGame::readFile(before));
+    // Every line of a definition text ends in both characters when it is saved.
+    QCOMPARE(SmallGame::readFile(target), SmallGame::readFile(before).replace("\n", "\r\n"));
     QCOMPARE(script->fileName(), copy ? before : target);
     if (!inside)
         QCOMPARE(dialogs.dialogs.last().defaultButton, QMessageBox::No);

@@ -12,6 +12,7 @@
 #include "studio/window/propertiesdock.h"
 #include "support/dialoganswerer.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QTemporaryDir>
 #include <QTreeView>
@@ -80,6 +81,25 @@ public:
         host->action(action)->trigger();
     }
 
+    /// Types into a picker and takes its first row.
+    static void pick(DialogAnswerer &dialogs, const QString &text)
+    {
+        dialogs.handle([text](QDialog *dialog) {
+            auto *edit = dialog->findChild<QLineEdit *>();
+            QTest::keyClicks(edit, text);
+            QTest::keyClick(edit, Qt::Key_Return);
+        });
+    }
+
+    /// Opens the meadow, which shows its main file, and chooses files in the project tree.
+    bool open(const QStringList &paths) const
+    {
+        if (!window->openProject(meadow()))
+            return false;
+        return std::all_of(paths.begin(), paths.end(),
+                           [this](const QString &path) { return clickFile(path); });
+    }
+
     /// Clicks the row of a file in the project tree.
     bool clickFile(const QString &name) const
     {
@@ -111,6 +131,15 @@ public:
         QTest::keyClick(edit, Qt::Key_Return);
         QCoreApplication::processEvents(); // the value is taken behind the key
         return view->currentIndex().data(Qt::EditRole).toString() == value;
+    }
+
+    /// Presses a key where the focus is. Without a window manager nobody gives it back behind a
+    /// dialog.
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        window->activateWindow();
+        QTRY_VERIFY(window->isActiveWindow() && QApplication::focusWidget());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key(key), modifiers);
     }
 
     static void click(QAbstractItemView *view, const QModelIndex &index)

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAction>
 #include <QDialog>
-#include <QList>
-#include <QPointer>
+#include <QIcon>
+#include <QVector>
 
 class QLineEdit;
 class QListWidget;
@@ -12,26 +11,29 @@ class QListWidgetItem;
 
 namespace Studio {
 
-/// Finds an action by a few letters of its text and runs it. Only enabled actions are offered.
-class CommandPalette : public QDialog
+/// Finds one of many things, such as commands, files or places, by a few letters of its text.
+class Picker : public QDialog
 {
     Q_OBJECT
 
 public:
-    struct Command
+    struct Entry
     {
-        QString group; ///< shown before the action's own text
-        QPointer<QAction> action;
+        QString text;
+        QString detail; ///< at the right end of the row; it is not searched
+        QIcon icon;
     };
 
-    CommandPalette(const QList<Command> &commands, QWidget *parent);
+    /// \a hint says what to type. The dialog places itself over the upper part of \a parent.
+    Picker(const QString &title, const QString &hint, const QVector<Entry> &entries,
+           QWidget *parent);
 
     /// Returns how well \a text fits what was typed: less is better, negative is not at all. The
     /// letters typed must come in \a text in their order; whole words and early places are better.
     static int rank(const QString &text, const QString &typed);
 
-    /// Returns the action that the user chose, or null.
-    QAction *chosen() const;
+    /// Asks and returns the index of the entry that the user chose, or -1.
+    int pick();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -40,10 +42,10 @@ private:
     void list();
     void choose(QListWidgetItem *item);
 
-    QList<Command> m_commands;
+    const QVector<Entry> m_entries;
     QLineEdit *m_typed;
     QListWidget *m_list;
-    QPointer<QAction> m_chosen;
+    int m_chosen = -1;
 };
 
 } // namespace Studio

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "studio/window/commandpalette.h"
+#include "studio/window/picker.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -14,16 +14,9 @@ namespace Studio {
 
 namespace {
 
-constexpr int ShortcutRole = Qt::UserRole + 1;
-constexpr int ShownCommands = 12;
-
-QString shownText(const CommandPalette::Command &command)
-{
-    QString text = command.action->text();
-    if (!command.group.isEmpty())
-        text = command.group + QStringLiteral(": ") + text;
-    return text.remove(QLatin1Char('&')).remove(QStringLiteral("..."));
-}
+constexpr int DetailRole = Qt::UserRole + 1;
+constexpr int ShownRows = 12;
+constexpr int MostRows = 200; // nobody scrolls further instead of typing
 
 QIcon emptyIcon()
 {
@@ -32,8 +25,8 @@ QIcon emptyIcon()
     return QIcon(pixmap);
 }
 
-/// A row with the action's shortcut at its right end.
-class CommandDelegate : public QStyledItemDelegate
+/// A row with a detail at its right end.
+class DetailDelegate : public QStyledItemDelegate
 {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -47,7 +40,7 @@ public:
         painter->setPen(
             option.palette.color(selected ? QPalette::HighlightedText : QPalette::PlaceholderText));
         painter->drawText(option.rect.adjusted(0, 0, -8, 0), Qt::AlignRight | Qt::AlignVCenter,
-                          index.data(ShortcutRole).toString());
+                          index.data(DetailRole).toString());
         painter->restore();
     }
 
@@ -59,38 +52,39 @@ public:
 
 } // namespace
 
-CommandPalette::CommandPalette(const QList<Command> &commands, QWidget *parent)
+Picker::Picker(const QString &title, const QString &hint, const QVector<Entry> &entries,
+               QWidget *parent)
     : QDialog(parent)
+    , m_entries(entries)
     , m_typed(new QLineEdit)
     , m_list(new QListWidget)
 {
-    setObjectName(QStringLiteral("commandPalette"));
-    setWindowTitle(tr("Command Palette"));
-    for (const Command &command : commands) {
-        if (command.action->isEnabled() && !command.action->text().isEmpty())
-            m_commands.append(command);
-    }
-    m_typed->setPlaceholderText(tr("Type a part of a command"));
-    m_typed->setAccessibleName(tr("Command"));
+    setObjectName(QStringLiteral("picker"));
+    setWindowTitle(title);
+    m_typed->setPlaceholderText(hint);
+    m_typed->setAccessibleName(hint);
     m_typed->installEventFilter(this);
-    m_list->setAccessibleName(tr("Commands"));
-    m_list->setItemDelegate(new CommandDelegate(m_list));
+    m_list->setAccessibleName(title);
+    m_list->setItemDelegate(new DetailDelegate(m_list));
     m_list->setUniformItemSizes(true);
     m_list->setIconSize(QSize(16, 16));
     m_list->setFocusPolicy(Qt::NoFocus);
     m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_typed);
     layout->addWidget(m_list);
-    connect(m_typed, &QLineEdit::textChanged, this, &CommandPalette::list);
-    connect(m_list, &QListWidget::itemClicked, this, &CommandPalette::choose);
+    connect(m_typed, &QLineEdit::textChanged, this, &Picker::list);
+    connect(m_list, &QListWidget::itemClicked, this, &Picker::choose);
     list();
     const int row = qMax(24, m_list->sizeHintForRow(0));
-    resize(560, 72 + ShownCommands * row);
+    resize(560, 72 + ShownRows * row);
+    const QRect window = parent->geometry();
+    move(window.center().x() - width() / 2, window.top() + 80);
 }
 
-int CommandPalette::rank(const QString &text, const QString &typed)
+int Picker::rank(const QString &text, const QString &typed)
 {
     const int whole = text.indexOf(typed, 0, Qt::CaseInsensitive);
     if (whole >= 0) {
@@ -109,12 +103,12 @@ int CommandPalette::rank(const QString &text, const QString &typed)
     return 200 + gaps;
 }
 
-QAction *CommandPalette::chosen() const
+int Picker::pick()
 {
-    return m_chosen;
+    return exec() == Accepted ? m_chosen : -1;
 }
 
-bool CommandPalette::eventFilter(QObject *watched, QEvent *event)
+bool Picker::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::KeyPress)
         return QDialog::eventFilter(watched, event);
@@ -136,32 +130,33 @@ bool CommandPalette::eventFilter(QObject *watched, QEvent *event)
     }
 }
 
-void CommandPalette::list()
+void Picker::list()
 {
-    QList<QPair<int, Command>> found;
-    for (const Command &command : qAsConst(m_commands)) {
-        const int fit = command.action ? rank(shownText(command), m_typed->text().trimmed()) : -1;
+    const QString typed = m_typed->text().trimmed();
+    QVector<QPair<int, int>> found; // how well it fits, and which entry
+    for (int entry = 0; entry < m_entries.size(); ++entry) {
+        const int fit = rank(m_entries.at(entry).text, typed);
         if (fit >= 0)
-            found.append({fit, command});
+            found.append({fit, entry});
     }
-    std::stable_sort(found.begin(), found.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    const auto shown = found.begin() + qMin(found.size(), MostRows);
+    std::partial_sort(found.begin(), shown, found.end());
     m_list->clear();
-    for (const auto &match : qAsConst(found)) {
-        QAction *action = match.second.action;
-        const QIcon icon = action->icon().isNull() ? emptyIcon() : action->icon();
-        auto *item = new QListWidgetItem(icon, shownText(match.second), m_list);
-        item->setData(ShortcutRole, action->shortcut().toString(QKeySequence::NativeText));
-        item->setData(Qt::UserRole, QVariant::fromValue(action));
+    for (auto match = found.begin(); match != shown; ++match) {
+        const Entry &entry = m_entries.at(match->second);
+        auto *item =
+            new QListWidgetItem(entry.icon.isNull() ? emptyIcon() : entry.icon, entry.text, m_list);
+        item->setData(DetailRole, entry.detail);
+        item->setData(Qt::UserRole, match->second);
     }
     m_list->setCurrentRow(0);
 }
 
-void CommandPalette::choose(QListWidgetItem *item)
+void Picker::choose(QListWidgetItem *item)
 {
     if (!item)
         return;
-    m_chosen = item->data(Qt::UserRole).value<QAction *>();
+    m_chosen = item->data(Qt::UserRole).toInt();
     accept();
 }
 
