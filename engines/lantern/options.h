@@ -15,11 +15,11 @@ namespace Lantern {
 
 /// The keys of what users set for the engine.
 namespace OptionKey {
-constexpr QLatin1String boxIndent("lantern_box_indent"); ///< blanks in front of contact boxes
-constexpr QLatin1String words("lantern_format_words");   ///< of FormatWords
-constexpr QLatin1String aligns("lantern_align_actions"); ///< of scripts, in one column
-constexpr QLatin1String warns("lantern_warn_names");     ///< of sprites and sounds without a file
-constexpr QLatin1String author("lantern_author");        ///< of new games
+const QLatin1String boxIndent("lantern_box_indent"); ///< blanks in front of contact boxes
+const QLatin1String words("lantern_format_words");   ///< of FormatWords
+const QLatin1String aligns("lantern_align_actions"); ///< of scripts, in one column
+const QLatin1String warns("lantern_warn_names");     ///< of sprites and sounds without a file
+const QLatin1String author("lantern_author");        ///< of new games
 } // namespace OptionKey
 
 /// What the format makes of the words of the grammar.
