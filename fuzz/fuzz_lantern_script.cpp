@@ -14,7 +14,6 @@
 #include <QApplication>
 #include <QTextBlock>
 
-
 using Lantern::Document;
 using Lantern::ScriptCode;
 using Lantern::SectionCode;

@@ -46,7 +46,11 @@ const QVector<SettingInfo> &Settings::known()
     static const QVector<SettingInfo> settings = {
         {SettingInfo::Value, SettingInfo::GeneralPage, "reopen_last_project", true,
          QT_TR_NOOP("Open the last project again at the start")},
-        {SettingInfo::Value, SettingInfo::GeneralPage, "theme", 0, QT_TR_NOOP("Theme:"),
+        {SettingInfo::Value,
+         SettingInfo::GeneralPage,
+         "theme",
+         0,
+         QT_TR_NOOP("Theme:"),
          {QT_TR_NOOP("As the system's"), QT_TR_NOOP("Light"), QT_TR_NOOP("Dark")}},
         {SettingInfo::Value, SettingInfo::FilesPage, "enable_file_watcher", true,
          QT_TR_NOOP("Notice when another program changes an open file")},

@@ -4,9 +4,9 @@
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "project/projectfile.h"
-#include "studio/window/picker.h"
 #include "studio/window/filecontent.h"
 #include "studio/window/filesavedialog.h"
+#include "studio/window/picker.h"
 #include "studio/window/settingsdialog.h"
 
 #include <QAbstractItemModelTester>
