@@ -4,6 +4,8 @@
 #include "engine/engine.h"
 #include "engine/engineextension.h"
 
+#include <QCoreApplication>
+#include <QLocale>
 #include <algorithm>
 
 namespace Studio {
@@ -12,8 +14,15 @@ EngineLoader::EngineLoader(const QString &folder)
     : m_manager(folder)
 {
     const QList<Vela::Engine *> all = engines();
-    for (Vela::Engine *engine : all)
+    for (Vela::Engine *engine : all) {
         engine->load();
+        auto translator = std::make_unique<QTranslator>();
+        if (translator->load(QLocale(), QStringLiteral("engine"), QStringLiteral("_"),
+                             engine->installedPath() + QStringLiteral("/translations"))) {
+            QCoreApplication::installTranslator(translator.get());
+            m_translators.push_back(std::move(translator));
+        }
+    }
 }
 
 QList<Vela::Engine *> EngineLoader::engines()

@@ -5,6 +5,9 @@
 
 #include <QList>
 #include <QString>
+#include <QTranslator>
+#include <memory>
+#include <vector>
 
 namespace Vela {
 class Engine;
@@ -12,8 +15,9 @@ class Engine;
 
 namespace Studio {
 
-/// Loads the extension modules of a folder, and the options of the engines among them. A program
-/// makes one behind setGlobalInterface(), and deletes it when every project is closed.
+/// Loads the extension modules of a folder, with the options of the engines among them and what
+/// these have in the user's language: the files "translations/engine_LANGUAGE.qm" in their folders.
+/// A program makes one behind setGlobalInterface(), and deletes it when every project is closed.
 class EngineLoader
 {
 public:
@@ -28,6 +32,7 @@ private:
     Q_DISABLE_COPY(EngineLoader)
 
     Vela::ExtensionManager m_manager;
+    std::vector<std::unique_ptr<QTranslator>> m_translators;
 };
 
 } // namespace Studio

@@ -15,6 +15,7 @@
 #include "studio/window/textplaces.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QStatusBar>
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void panesTakeTheFocusInTurn();
     void blockFoldsAtTheCursor();
     void snippetIsChosenByItsName();
+    void snippetsSpeakTheUsersLanguage();
     void everythingIsDoneByKeys();
 
 private:
@@ -501,6 +503,23 @@ void TestEditing::snippetIsChosenByItsName()
     QVERIFY(text->blockCount() > before);
     f->window->activateWindow();
     QTRY_VERIFY(text->hasFocus());
+}
+
+void TestEditing::snippetsSpeakTheUsersLanguage()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German));
+    f->stop();
+    f->start();
+    QVERIFY(f->open({scriptPath}));
+    const QList<QComboBox *> boxes = f->window->findChildren<QComboBox *>();
+    const auto shown = [&boxes](const QString &name) {
+        return std::any_of(boxes.begin(), boxes.end(),
+                           [&name](const QComboBox *box) { return box->findText(name) >= 0; });
+    };
+    QVERIFY(shown(QStringLiteral("Skript")));
+    QVERIFY(shown(QStringLiteral("Gang")));
+    QLocale::setDefault(before);
 }
 
 void TestEditing::everythingIsDoneByKeys()
