@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "editor/editordata.h"
 #include "editor/fileeditor.h"
 #include "support/dialoganswerer.h"
 #include "support/memoryarchive.h"
@@ -157,6 +158,7 @@ class tst_FileEditor : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void listKeepsWhatItsEditorRemembers();
     void createAddsAFileAndComesUp();
     void refusedFileIsReleased();
     void nothingHappensWithoutAProject();
@@ -174,6 +176,18 @@ private Q_SLOTS:
     void asksForEachModifiedFile();
     void filesMayGoDuringAQuestion();
 };
+
+void tst_FileEditor::listKeepsWhatItsEditorRemembers()
+{
+    QObject first;
+    QObject second;
+    QVERIFY(!EditorData::of(first).onionSkin);
+    EditorData::of(first).onionSkin = true;
+    EditorData::of(first).onionFrame = 7;
+    QCOMPARE(EditorData::of(first).onionFrame, 7U);
+    QCOMPARE(EditorData::of(first).onionAnimation, 0U);
+    QVERIFY(!EditorData::of(second).onionSkin);
+}
 
 void tst_FileEditor::createAddsAFileAndComesUp()
 {
