@@ -76,15 +76,12 @@ void CodeEditorPrivate::paintBands(QPainter &painter, const QRect &rect)
 {
     if (blocks.isEmpty())
         return;
-    qreal bottom = rect.top();
+    // What is above and below the text is outside of all blocks.
+    painter.fillRect(rect, bandColor(-1));
     for (const ShownLine &line : shownLines(rect.top(), rect.bottom())) {
         painter.fillRect(QRectF(rect.left(), line.top, rect.width(), line.height),
                          bandColor(line.block.blockNumber()));
-        bottom = line.top + line.height;
     }
-    // What is below the text is outside of all blocks as well.
-    painter.fillRect(QRectF(rect.left(), bottom, rect.width(), rect.bottom() + 1 - bottom),
-                     bandColor(editor->blockCount()));
 }
 
 // Each range lies inside of the next one.
