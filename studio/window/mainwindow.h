@@ -82,6 +82,8 @@ protected:
 private:
     friend struct WindowAction;
 
+    static constexpr int MessageTime = 6000; ///< ms that a note stays in the status bar
+
     void makeCentre();
     QWidget *makeEditorPage();
     void makeDocks();
