@@ -104,7 +104,7 @@ void MainWindow::makeDocks()
     m_messagesDock->raise();
     connect(&m_host, &Host::extraEditorRequested, m_sidePanel, &SidePanel::setPanel);
     connect(&m_host, &Host::retranslated, m_sidePanel, &SidePanel::retranslate);
-    resizeDocks({m_projectDock, m_propertiesDock}, {260, 280}, Qt::Horizontal);
+    resizeDocks({m_projectDock, m_propertiesDock}, {260, 370}, Qt::Horizontal);
     resizeDocks({m_messagesDock}, {190}, Qt::Vertical);
     resizeDocks({m_sidePanel, m_propertiesDock}, {340, 200}, Qt::Vertical);
 }
