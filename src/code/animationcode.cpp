@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "code/animationcode.h"
 
+#include "code/adoption.h"
 #include "code/codedocument.h"
 #include "code/framecode.h"
 
@@ -10,18 +11,16 @@ AnimationCode::AnimationCode(const QTextBlock &block, CodeNode *previous)
     : ParentCode(Animation, block, previous)
 {
     insertRootChild(this);
-    for (CodeNode *node = next(); node && !(node->type() & (Group | Animation));
-         node = node->next()) {
-        if (node->type() == Frame)
-            AnimationCode::insertChild(node, frameCount());
-    }
+    Adoption::begin(this, take);
 }
 
 AnimationCode::~AnimationCode()
 {
+    Adoption::finish(this);
     CodeNode *const above = nearestAbove(Group | Animation);
     if (above && above->type() == Animation) {
         auto *const heir = static_cast<ParentCode *>(above);
+        Adoption::finish(heir);
         for (FrameCode *frame : frames())
             heir->insertChild(frame, heir->childCount());
     }
@@ -30,6 +29,13 @@ AnimationCode::~AnimationCode()
     // Lists of animations still show this one while they hear of its going.
     if (parent())
         parent()->removeChild(this);
+}
+
+void AnimationCode::take(ParentCode *animation, CodeNode *node)
+{
+    auto *const self = static_cast<AnimationCode *>(animation);
+    if (node->type() == Frame)
+        self->AnimationCode::insertChild(node, self->frameCount());
 }
 
 int AnimationCode::lastLine() const

@@ -52,6 +52,8 @@ protected:
     AnimationCode(const QTextBlock &block, CodeNode *previous);
 
 private:
+    static void take(ParentCode *animation, CodeNode *node);
+
     ChildList<FrameCode> m_frames;
     unsigned int m_selectedFrame = 0;
 };

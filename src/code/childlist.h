@@ -8,8 +8,9 @@
 namespace Vela {
 
 /// The children of a node in their order. It has a gap at the place of its last change, so that a
-/// run of changes in neighbouring rows costs the same in a long list as in a short one, and it
-/// searches for a child outwards from the place that was asked for last.
+/// run of changes in neighbouring rows costs the same in a long list as in a short one. It searches
+/// for a child outwards from the two places that were asked for last: what moves children from one
+/// parent to another asks for both in turn.
 template <typename T>
 class ChildList
 {
@@ -33,15 +34,15 @@ public:
 
     int indexOf(const void *child) const
     {
-        int below = qMin(m_hint, size()) - 1;
-        int above = below + 1;
-        while (below >= 0 || above < size()) {
-            if (above < size() && at(above) == child)
-                return m_hint = above;
-            if (below >= 0 && at(below) == child)
-                return m_hint = below;
-            ++above;
-            --below;
+        for (int &hint : m_hints)
+            hint = qMin(hint, size());
+        for (int distance = 0; distance <= size(); ++distance) {
+            for (int &hint : m_hints) {
+                if (isAt(hint + distance, child))
+                    return hint += distance;
+                if (isAt(hint - distance, child))
+                    return hint -= distance;
+            }
         }
         return -1;
     }
@@ -54,14 +55,14 @@ public:
         m_items[size_t(m_gap)] = child;
         ++m_gap;
         --m_gapSize;
-        m_hint = row;
+        nearestHint(row) = row;
     }
 
     void removeAt(int row)
     {
         moveGap(row);
         ++m_gapSize;
-        m_hint = row;
+        nearestHint(row) = row;
     }
 
     QList<T *> toList() const
@@ -74,6 +75,16 @@ public:
     }
 
 private:
+    bool isAt(int row, const void *child) const
+    {
+        return row >= 0 && row < size() && at(row) == child;
+    }
+
+    int &nearestHint(int row)
+    {
+        return m_hints[qAbs(m_hints[1] - row) < qAbs(m_hints[0] - row) ? 1 : 0];
+    }
+
     void moveGap(int row)
     {
         const auto begin = m_items.begin();
@@ -95,7 +106,7 @@ private:
     std::vector<T *> m_items;
     int m_gap = 0;
     int m_gapSize = 0;
-    mutable int m_hint = 0; ///< where the search for a child begins
+    mutable int m_hints[2] = {0, 0}; ///< where the search for a child begins
 };
 
 } // namespace Vela

@@ -124,6 +124,7 @@ private:
     bool highlightBlock(Pass &pass, CodeParserSyntax *syntax);
     CodeNode *parseBlock(const QString &line, const QTextBlock &block, CodeNode *previous,
                          CodeParserSyntax *syntax);
+    void parseLines(const QTextBlock &first, const QTextBlock &end);
     CodeBlockData *findPrevious(const QTextBlock &block, CodeNode *&previous);
     void indentLine(Pass &pass, const CodeNode *node);
     unsigned int foldingIndent(Pass &pass, const CodeNode *node) const;

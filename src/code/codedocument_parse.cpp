@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "code/adoption.h"
 #include "code/codedocument.h"
 #include "code/codedocument_p.h"
 #include "code/codeparser.h"
@@ -225,6 +226,7 @@ void CodeDocumentPrivate::reformatLines(Pass &pass, int end)
     CodeParserSyntax *const syntax = document->hasSyntaxHighlight() ? this : nullptr;
     if (parser)
         pass.nodeLine = findPrevious(pass.block, pass.previous);
+    const Adoption adoption;
     formatChanges.beginPass();
     bool stateChanged = false;
     while (pass.length > 0 && (pass.position < end || stateChanged)) {
@@ -297,12 +299,15 @@ CodeNode *CodeDocumentPrivate::parseBlock(const QString &line, const QTextBlock 
                                           CodeNode *previous, CodeParserSyntax *syntax)
 {
     previous = lastOfLine(previous);
+    linesGone = false;
+    Adoption::reach((currentData->m_codeNode ? currentData->m_codeNode : previous)->next());
+    if (linesGone)
+        return &root;
     CodeNode *const old = std::exchange(currentData->m_codeNode, nullptr);
     if (old)
         old->unlink();
     if (previous == old)
         previous = &root;
-    linesGone = false;
     CodeNode *const node = parser->parseLine(line, block, old, previous, &root, syntax);
     if (linesGone) {
         // The node above may have gone with its line.
@@ -362,17 +367,23 @@ void CodeDocumentPrivate::parseInChange(const QTextBlock &first, const QTextBloc
         return;
     }
     inReformat = true;
+    parseLines(first, end);
+    currentData = nullptr;
+    inReformat = false;
+    runPassAskedFor();
+}
+
+void CodeDocumentPrivate::parseLines(const QTextBlock &first, const QTextBlock &end)
+{
+    const Adoption adoption;
     CodeNode *previous = nullptr;
     findPrevious(first, previous);
     for (QTextBlock block = first; block.isValid() && block != end; block = block.next()) {
         currentData = CodeBlockData::blockData(block, this);
         previous = parseBlock(block.text(), block, previous, nullptr);
         if (linesGone || isPassAskedFor())
-            break;
+            return;
     }
-    currentData = nullptr;
-    inReformat = false;
-    runPassAskedFor();
 }
 
 void CodeDocumentPrivate::insertMessages(Pass &pass)

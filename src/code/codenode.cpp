@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "code/codenode.h"
 
+#include "code/adoption.h"
 #include "code/codedocument.h"
 #include "code/coderewrite.h"
 
@@ -201,6 +202,7 @@ CodeNode::~CodeNode()
         m_parent->removeChild(this);
     unlink();
     lastSearch.nodeGoes(this);
+    Adoption::nodeGoes(this);
 }
 
 void *CodeNode::allocate(size_t size)

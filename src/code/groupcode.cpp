@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "code/groupcode.h"
 
+#include "code/adoption.h"
 #include "code/codedocument.h"
 #include "code/valuecode.h"
 
@@ -19,26 +20,30 @@ GroupCode::GroupCode(const QTextBlock &block, CodeNode *previous, unsigned int s
     : ParentCode(Group, block, previous)
     , m_subType(subType)
 {
-    for (CodeNode *node = next(); node; node = node->next()) {
-        if (node->type() & (Group | Animation))
-            return;
-        if (node->type() == Value)
-            GroupCode::insertChild(node, valueCount());
-        else if (node->type() == Frame && node->parent())
-            node->parent()->removeChild(node);
-    }
+    Adoption::begin(this, take);
 }
 
 GroupCode::~GroupCode()
 {
+    Adoption::finish(this);
     CodeNode *const above = nearestAbove(Group | Animation | Frame);
     if (above && above->type() == Group) {
         auto *const heir = static_cast<ParentCode *>(above);
+        Adoption::finish(heir);
         for (ValueCode *value : values())
             heir->insertChild(value, heir->childCount());
     }
     while (!m_values.isEmpty())
         GroupCode::removeChild(m_values.at(m_values.size() - 1));
+}
+
+void GroupCode::take(ParentCode *group, CodeNode *node)
+{
+    auto *const self = static_cast<GroupCode *>(group);
+    if (node->type() == Value)
+        self->GroupCode::insertChild(node, self->valueCount());
+    else if (node->type() == Frame && node->parent())
+        node->parent()->removeChild(node);
 }
 
 int GroupCode::lastLine() const

@@ -60,6 +60,8 @@ protected:
     }
 
 private:
+    static void take(ParentCode *group, CodeNode *node);
+
     ChildList<ValueCode> m_values;
     unsigned int m_subType;
 };

@@ -71,6 +71,20 @@ public:
         return findBlockByNumber(line).layout()->formats();
     }
 
+    /// Returns the line of each root child and those of its children.
+    QString tree()
+    {
+        QStringList lines;
+        for (const CodeNode *child : root()->childs()) {
+            const auto *const parent = static_cast<const ParentCode *>(child);
+            QString line = QString::number(child->lineNo()) + QLatin1Char(':');
+            for (unsigned int row = 0; row < parent->childCount(); ++row)
+                line += QLatin1Char(' ') + QString::number(parent->childAt(row)->lineNo());
+            lines.append(line);
+        }
+        return lines.join(QLatin1String(", "));
+    }
+
     QVector<int> states() const
     {
         QVector<int> states;
@@ -300,6 +314,7 @@ private Q_SLOTS:
     void settingTheParser();
     void rootShowsNoRowsWhileItIsLocked();
     void modelStaysConsistent();
+    void headersOfOnePassTakeTheirLines();
     void linesAreParsedAtOnceInABracket();
     void marksHearOfTheirLinesEnd();
     void linksBelongToTheirLine();
@@ -877,6 +892,48 @@ void tst_CodeParser::modelStaysConsistent()
     QCOMPARE(document.model()->rowCount(), 1);
     document.clear();
     QCOMPARE(document.model()->rowCount(), 0);
+}
+
+void tst_CodeParser::headersOfOnePassTakeTheirLines()
+{
+    const auto content = "[a]\nx = int 1\n;[b]\ny = int 2\nz = int 3\n;[c]\nv = int 4\nw = int 5\n"
+                         ";anim 1 w\nframe 1 2\nframe 3 4";
+    const auto uncomment = [](Document &document) {
+        QTextCursor all(&document);
+        all.beginEditBlock();
+        for (const int line : {2, 5, 8})
+            document.cursorAt(line).deleteChar();
+        all.endEditBlock();
+    };
+    const QString broken = text("0: 1 3 4 6 7");
+    const QString whole = text("0: 1, 2: 3 4, 5: 6 7, 8: 9 10");
+    Document document(content);
+    const QAbstractItemModelTester tester(document.model(),
+                                          QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(document.tree(), broken);
+    uncomment(document);
+    QCOMPARE(document.tree(), whole);
+    document.undo();
+    QCOMPARE(document.tree(), broken);
+    document.redo();
+    QCOMPARE(document.tree(), whole);
+    document.beginChange();
+    document.insertOnCursor(text("[d]\n[e]\nq = int 1\n"), document.cursorAt(3));
+    QCOMPARE(document.tree(), text("0: 1, 2:, 3:, 4: 5 6 7, 8: 9 10, 11: 12 13"));
+    document.endChange();
+
+    // Lines go while headers wait for theirs: the one that is next to come, and a header.
+    for (const int line : {3, 6, 8}) {
+        Document other(content);
+        bool isFirst = true;
+        connect(other.model(), &QAbstractItemModel::rowsInserted, &other, [&] {
+            if (std::exchange(isFirst, false))
+                other.setLine(line, "", true);
+        });
+        uncomment(other);
+        Document fresh(other.toPlainText().toLatin1().constData());
+        QCOMPARE(other.tree(), fresh.tree());
+    }
 }
 
 void tst_CodeParser::linesAreParsedAtOnceInABracket()
