@@ -103,15 +103,15 @@ int rowOfLine(const ParentCode *parent, int line)
 } // namespace
 
 CodeDocument::CodeDocument(short fileType)
-    : d(std::make_unique<CodeDocumentPrivate>(this, fileType))
 {
-    setCodec("UTF-8");
     setDocumentLayout(new CodeLayout(this));
     QFont font(QStringLiteral("Courier"), fontSize);
     font.setFixedPitch(true);
     font.setStyleHint(QFont::Monospace);
     setDefaultFont(font);
-    d->cursor = QTextCursor(this);
+    // From here on it hears of changes, each of which is a pass over the text.
+    d = std::make_unique<CodeDocumentPrivate>(this, fileType);
+    setCodec("UTF-8");
 
     qRegisterMetaType<Archive *>();
     qRegisterMetaType<JobStats *>();

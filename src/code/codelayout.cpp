@@ -70,6 +70,9 @@ QTextBlock CodeLayout::lineAt(int position) const
 void CodeLayout::relayOut(const QTextBlock &block)
 {
     takeNew(block);
+    // Of the many texts of a project few are ever shown.
+    if (!m_isAsked)
+        return requestUpdate();
     const int line = block.blockNumber();
     qreal height = block.layout()->lineCount() > 0 ? block.layout()->boundingRect().height() : -1;
     if (line != m_changedLine) {
@@ -117,6 +120,7 @@ bool CodeLayout::clearLayouts(const QTextBlock &first, const QTextBlock &last)
 
 void CodeLayout::layOut(QTextBlock block)
 {
+    m_isAsked = true;
     const qreal margin = document()->documentMargin();
     const QTextOption option = document()->defaultTextOption();
     const qreal viewWidth = QPlainTextDocumentLayout::documentSize().width();

@@ -35,6 +35,7 @@ private:
     qreal m_maximumWidth = 0;
     qreal m_maximumViewWidth = 0; ///< the view's width that m_maximumWidth belongs to
     int m_blockCount = 1;
+    bool m_isAsked = false;    ///< whether anybody has asked for a layout yet
     int m_changedLine = -1;    ///< the last line that changed alone; -1 for none
     qreal m_changedHeight = 0; ///< of that line's layout
     bool m_announcing = false;
