@@ -12,6 +12,7 @@
 #include "editor/propertyedit.h"
 #include "frame/filesystemarchive.h"
 #include "frame/interface.h"
+#include "frame/jobstats.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -208,8 +209,17 @@ Vela::ParentProject *Engine::openParentProject(const QString &path, QString *err
     const bool game = info.fileName().compare(gameFileName(), Qt::CaseInsensitive) == 0;
     auto parent = std::make_unique<ParentProject>(info.absolutePath(),
                                                   game ? info.fileName() : QString(), this);
-    const bool opened =
-        game ? parent->openGame(error) : parent->openMainFile(mainFile, error) != nullptr;
+    Vela::Interface *const host = Vela::Interface::instance();
+    Vela::ProgressProvider *const progress = host ? host->progress() : nullptr;
+    const std::unique_ptr<Vela::JobStats> job(
+        progress ? progress->createJob(Texts::tr("Opening the game..."), 0) : nullptr);
+    const bool opened = game ? parent->openGame(job.get(), error)
+                             : parent->openMainFile(mainFile, job.get(), error) != nullptr;
+    // A part must not be taken for the whole.
+    if (opened && job && job->wasCancelled()) {
+        *error = Texts::tr("The game was not opened to the end.");
+        return nullptr;
+    }
     return opened ? parent.release() : nullptr;
 }
 

@@ -6,6 +6,7 @@
 #include "lantern/project.h"
 
 #include "frame/filesystemarchive.h"
+#include "frame/jobstats.h"
 #include "project/messages.h"
 
 #include <QCoreApplication>
@@ -39,9 +40,9 @@ ParentProject::~ParentProject()
     qDeleteAll(findChildren<Vela::Project *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
-bool ParentProject::openGame(QString *error)
+bool ParentProject::openGame(Vela::JobStats *job, QString *error)
 {
-    m_game = open(new DefinitionFile(Scope::Game), absolute(m_gameFile), error);
+    m_game = open(new DefinitionFile(Scope::Game), absolute(m_gameFile), job, error);
     if (!m_game)
         return false;
     const QVector<FileEntry> entries = m_game->definition()->files();
@@ -50,7 +51,9 @@ bool ParentProject::openGame(QString *error)
         if (entry.type != Vela::Project::Main)
             continue;
         const bool opened =
-            !entry.closed && !entry.missing && openMainFile(absolute(entry.path), &reason);
+            !entry.closed && !entry.missing && openMainFile(absolute(entry.path), job, &reason);
+        if (job && job->wasCancelled())
+            break;
         // It stays a part of the game, so that nobody takes a copy without it for a whole one.
         if (!opened)
             showClosed(entry.path);
@@ -60,9 +63,9 @@ bool ParentProject::openGame(QString *error)
     return true;
 }
 
-Project *ParentProject::openMainFile(const QString &fileName, QString *error)
+Project *ParentProject::openMainFile(const QString &fileName, Vela::JobStats *job, QString *error)
 {
-    return open(new DefinitionFile(Scope::Project), fileName, error);
+    return open(new DefinitionFile(Scope::Project), fileName, job, error);
 }
 
 Project *ParentProject::openClosed(const QString &path, QString *error)
@@ -77,16 +80,18 @@ Project *ParentProject::openClosed(const QString &path, QString *error)
         *error = Texts::tr("The game has no closed project '%1'.").arg(path);
         return nullptr;
     }
-    Project *const project = openMainFile(absolute(mainFile), error);
+    // No job: the others in the window must not come upon a project that is half open.
+    Project *const project = openMainFile(absolute(mainFile), nullptr, error);
     if (project)
         m_closed.remove(folder);
     return project;
 }
 
-Project *ParentProject::open(DefinitionFile *main, const QString &fileName, QString *error)
+Project *ParentProject::open(DefinitionFile *main, const QString &fileName, Vela::JobStats *job,
+                             QString *error)
 {
     if (main->fromFile(archive(), fileName, 0, nullptr))
-        return new Project(this, main);
+        return new Project(this, main, job);
     *error = main->messages()->at(0, Vela::Message::Error).text;
     main->release();
     return nullptr;

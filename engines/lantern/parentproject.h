@@ -26,10 +26,10 @@ public:
     ~ParentProject() override;
 
     /// Opens the game with all projects that are not closed. Those that cannot be read become
-    /// messages of the game's file.
-    bool openGame(QString *error);
+    /// messages of the game's file. \a job hears of each file and may end it; it may be null.
+    bool openGame(Vela::JobStats *job, QString *error);
     /// Opens one project by its main file, an absolute name.
-    Project *openMainFile(const QString &fileName, QString *error);
+    Project *openMainFile(const QString &fileName, Vela::JobStats *job, QString *error);
     /// Opens a project of the game that is closed. \a path is its folder or its main file.
     Project *openClosed(const QString &path, QString *error);
 
@@ -44,7 +44,8 @@ public:
     void lastProjectClosed() override;
 
 private:
-    Project *open(DefinitionFile *main, const QString &fileName, QString *error);
+    Project *open(DefinitionFile *main, const QString &fileName, Vela::JobStats *job,
+                  QString *error);
     void showClosed(const QString &mainFile);
     QString absolute(const QString &path) const;
 

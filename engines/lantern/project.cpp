@@ -12,6 +12,7 @@
 #include "code/rootcode.h"
 #include "frame/archive.h"
 #include "frame/interface.h"
+#include "frame/jobstats.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -94,7 +95,7 @@ void addLine(DefinitionFile &text, const Rule &rule, const QString &path)
 
 } // namespace
 
-Project::Project(ParentProject *parent, DefinitionFile *main)
+Project::Project(ParentProject *parent, DefinitionFile *main, Vela::JobStats *job)
     : Vela::Project(parent, main->settings().projectType, main, true)
     , m_parent(parent)
     , m_definition(main)
@@ -112,11 +113,16 @@ Project::Project(ParentProject *parent, DefinitionFile *main)
     connect(parent, &ParentProject::fileAdded, this, &Project::onFileAdded);
     connect(parent, &ParentProject::fileOpened, this, &Project::onFileNamed);
     connect(parent, &ParentProject::fileSaved, this, &Project::onFileNamed);
-    matchFiles();
+    // The job may let events through, in which the main file may be read again.
+    bool isOutdated = false;
+    m_definition->setListener([&isOutdated] { isOutdated = true; });
+    matchFiles(job);
     m_definition->setListener([this] { definitionChanged(); });
     m_namesChanged.stop();
     passOnNames();
     addToParent();
+    if (isOutdated)
+        definitionChanged();
 }
 
 DefinitionFile *Project::definition() const
@@ -205,7 +211,7 @@ void Project::definitionChanged()
 }
 
 // Brings the files in line with the main file.
-void Project::matchFiles()
+void Project::matchFiles(Vela::JobStats *job)
 {
     const QScopedValueRollback<bool> takesNames(m_takesNames, true);
     m_dependencies.clear();
@@ -219,7 +225,7 @@ void Project::matchFiles()
             unmatched.insert(dependency);
     }
     removeUnnamedFiles(unmatched);
-    addFiles(unmatched);
+    addFiles(unmatched, job);
 }
 
 // Takes what is there off \a named. A file with changes that are not saved stays, even if it is no
@@ -237,7 +243,7 @@ void Project::removeUnnamedFiles(QSet<Dependency> &named)
     }
 }
 
-void Project::addFiles(const QSet<Dependency> &missing)
+void Project::addFiles(const QSet<Dependency> &missing, Vela::JobStats *job)
 {
     const QString folder = absolutePath() + QLatin1Char('/');
     QHash<QString, Vela::ProjectFile *> byName;
@@ -247,6 +253,10 @@ void Project::addFiles(const QSet<Dependency> &missing)
     for (const Dependency &dependency : qAsConst(m_dependencies)) {
         if (!missing.contains(dependency))
             continue;
+        if (job && job->wasCancelled())
+            return;
+        if (job)
+            job->incrementValue();
         // A file of several types is one file, with one reference.
         Vela::ProjectFile *&file = byName[folder + dependency.second];
         if (!file) {

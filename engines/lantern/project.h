@@ -24,8 +24,9 @@ class Project : public Vela::Project
     Q_OBJECT
 
 public:
-    /// Takes the caller's reference on \a main over.
-    Project(ParentProject *parent, DefinitionFile *main);
+    /// Takes the caller's reference on \a main over. \a job hears of each file that is added, and
+    /// its end leaves the others out; null where nobody waits.
+    Project(ParentProject *parent, DefinitionFile *main, Vela::JobStats *job);
 
     /// Returns the name set in the main file, else the main file's own.
     QString name() const override;
@@ -45,9 +46,9 @@ public:
 
 private:
     void definitionChanged();
-    void matchFiles();
+    void matchFiles(Vela::JobStats *job = nullptr);
     void removeUnnamedFiles(QSet<Dependency> &named);
-    void addFiles(const QSet<Dependency> &missing);
+    void addFiles(const QSet<Dependency> &missing, Vela::JobStats *job);
     QString pathInFolder(const Vela::ProjectFile &file) const;
     void onFileAdded(Vela::ProjectFile *file);
     void onFileNamed(Vela::ProjectFile *file);

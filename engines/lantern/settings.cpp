@@ -143,7 +143,8 @@ void Reader::checkVersion(const SettingCode &setting)
 
 void Reader::readFile(const SettingCode &setting, const Rule &rule)
 {
-    const QString path = insidePath(setting.text());
+    // The parser has taken the quotes off.
+    const QString path = insidePath(setting.rawValue().toString());
     if (path.isEmpty())
         return;
     if (rule.fileType == Vela::Project::Main) {

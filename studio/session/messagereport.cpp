@@ -64,7 +64,8 @@ MessageReport::MessageReport(const Vela::ParentProject &parent)
             if (!messages || known.contains(messages))
                 continue;
             known.insert(messages);
-            m_records += recordsOf(pathOf(parent, *file), *messages);
+            if (messages->count(Vela::Message::Any) > 0)
+                m_records += recordsOf(pathOf(parent, *file), *messages);
         }
     }
 }
