@@ -15,7 +15,18 @@ class VELA_EXPORT Extension : public Object
 public:
     /// What kind of thing is registered. The library itself reads the named kinds; the others are
     /// free for a host and its extensions to agree on.
-    enum Type { ArchiveFormat = 0, EngineProvider = 1, AnimationExporter = 9, Plugin = 16 };
+    enum Type {
+        ArchiveFormat = 0,
+        ImageLoader = 1,
+        ImageSaver = 2,
+        PaletteLoader = 3,
+        PaletteSaver = 4,
+        SoundLoader = 5,
+        SoundSaver = 6,
+        AnimationExporter = 9,
+        EngineProvider = 10,
+        Plugin = 16
+    };
     /// Number of the types.
     static constexpr int TypeCount = 17;
 
