@@ -14,6 +14,10 @@ packages=(
   libvorbis-dev libogg-dev liblua5.3-dev libquazip1-qt5-dev zlib1g-dev
   # Tests, benchmarks, screenshots
   libbenchmark-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core zip unzip librsvg2-bin
+  # Other programs that the tests compare files with
+  ffmpeg gifsicle imagemagick netpbm
+  # What benchmarks compare with
+  libavcodec-dev libavfilter-dev libavutil-dev libimagequant-dev libsqlite3-dev
 )
 
 fail() {
