@@ -63,15 +63,20 @@ void BinaryFile::setProperty(const QString &, const QVariant &)
 {
 }
 
-void BinaryFile::decode(const QByteArray &data)
+bool BinaryFile::read(Vela::Archive &archive, const QString &name, QString &error)
 {
+    QByteArray data;
+    if (!readAll(archive, name, largestFile, data, error))
+        return false;
     m_data = data;
     m_modified = true;
+    return true;
 }
 
-QByteArray BinaryFile::encode() const
+bool BinaryFile::encode(QByteArray &data, QString &) const
 {
-    return m_data;
+    data = m_data;
+    return true;
 }
 
 void BinaryFile::clear()

@@ -7,8 +7,8 @@
 
 namespace Lantern {
 
-/// A sprites or sounds file: bytes that only their editor understands.
-class BinaryFile : public ContentFile
+/// An image or a sound as a file of its own: bytes that only their editor understands.
+class BinaryFile : public ContentFile<Vela::ProjectFile>
 {
 public:
     explicit BinaryFile(const char *extension);
@@ -28,8 +28,8 @@ public:
     void setProperty(const QString &name, const QVariant &value) override;
 
 protected:
-    void decode(const QByteArray &data) override;
-    QByteArray encode() const override;
+    bool read(Vela::Archive &archive, const QString &name, QString &error) override;
+    bool encode(QByteArray &data, QString &error) const override;
     void clear() override;
     void markSaved() override;
     Vela::Messages *fileMessages() const override;

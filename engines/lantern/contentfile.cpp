@@ -2,6 +2,7 @@
 #include "lantern/contentfile.h"
 
 #include "frame/jobstats.h"
+#include "image/sprites.h"
 
 namespace Lantern {
 
@@ -16,67 +17,80 @@ bool fail(const QString &text, Vela::JobStats *stats)
 
 } // namespace
 
-ContentFile::ContentFile(const char *extension)
+template <class Base>
+ContentFile<Base>::ContentFile(const char *extension)
     : m_extension(extension)
 {
 }
 
-void ContentFile::free()
+template <class Base>
+void ContentFile<Base>::free()
 {
     delete this;
 }
 
-void ContentFile::bindTo(Vela::Archive &archive, const QString &name)
+template <class Base>
+void ContentFile<Base>::bindTo(Vela::Archive &archive, const QString &name)
 {
     m_name = name;
-    ProjectFile::fromFile(archive, name, 0, nullptr);
+    Base::fromFile(archive, name, 0, nullptr);
 }
 
-bool ContentFile::canSave() const
+template <class Base>
+bool ContentFile<Base>::canSave() const
 {
     return true;
 }
 
-void ContentFile::load()
+template <class Base>
+void ContentFile<Base>::load()
 {
-    QByteArray data;
     QString error;
-    if (!readAll(archive(), m_name, largestFile, data, error))
+    m_isUnreadable = !read(this->archive(), m_name, error);
+    if (m_isUnreadable) {
+        loadFailed(error);
         return;
-    decode(data);
+    }
     markSaved();
-    fileLoaded(archive(), m_name, false);
+    fileLoaded(this->archive(), m_name, false);
 }
 
-bool ContentFile::fromFile(Vela::Archive &archive, const QString &name, unsigned int flags,
-                           Vela::JobStats *stats)
+template <class Base>
+void ContentFile<Base>::loadFailed(const QString &)
 {
-    QByteArray data;
+}
+
+template <class Base>
+bool ContentFile<Base>::fromFile(Vela::Archive &archive, const QString &name, unsigned int flags,
+                                 Vela::JobStats *stats)
+{
     QString error;
-    if (!readAll(archive, name, largestFile, data, error))
-        return fail(error, stats);
     // The content of another file is a change to this one.
-    const bool copy = flags & Copy;
+    const bool copy = flags & Base::Copy;
+    if (copy)
+        ensureLoaded();
+    if (!read(archive, name, error))
+        return fail(error, stats);
     setLoaded();
+    m_isUnreadable = false;
     if (!copy) {
         fileLoaded(archive, name, false);
         m_name = name;
-    }
-    ProjectFile::fromFile(archive, name, flags, stats);
-    decode(data);
-    if (!copy)
         markSaved();
+    }
+    Base::fromFile(archive, name, flags, stats);
     return true;
 }
 
-bool ContentFile::toFile(Vela::Archive &archive, const QString &name, unsigned int flags,
-                         Vela::JobStats *stats)
+template <class Base>
+bool ContentFile<Base>::toFile(Vela::Archive &archive, const QString &name, unsigned int flags,
+                               Vela::JobStats *stats)
 {
     QByteArray data;
     QString error;
     if (!contentBytes(data, error) || !writeAll(archive, name, data, error))
         return fail(error, stats);
-    if (!(flags & Copy)) {
+    if (!(flags & Base::Copy)) {
         if (isLoaded())
             fileSaved(archive, name, false);
         m_name = name;
@@ -86,45 +100,54 @@ bool ContentFile::toFile(Vela::Archive &archive, const QString &name, unsigned i
             pauseWatch(false);
         markSaved();
     }
-    ProjectFile::toFile(archive, name, flags, stats);
+    Base::toFile(archive, name, flags, stats);
     return true;
 }
 
 // What was never loaded is passed on as it is, without becoming content on the way.
-bool ContentFile::contentBytes(QByteArray &data, QString &error)
+template <class Base>
+bool ContentFile<Base>::contentBytes(QByteArray &data, QString &error) const
 {
-    if (!isLoaded())
-        return readAll(archive(), m_name, largestFile, data, error);
-    data = encode();
-    return true;
+    if (!isLoaded() || (m_isUnreadable && !this->isModified()))
+        return readAll(this->archive(), m_name, largestFile, data, error);
+    return encode(data, error);
 }
 
-void ContentFile::reset()
+template <class Base>
+void ContentFile<Base>::reset()
 {
     m_name.clear();
+    m_isUnreadable = false;
     setLoaded();
     clear();
 }
 
-QString ContentFile::fileName() const
+template <class Base>
+QString ContentFile<Base>::fileName() const
 {
     return m_name;
 }
 
-const char *ContentFile::fileExtension() const
+template <class Base>
+const char *ContentFile<Base>::fileExtension() const
 {
     return m_extension;
 }
 
-QString ContentFile::watchedFileName() const
+template <class Base>
+QString ContentFile<Base>::watchedFileName() const
 {
     return m_name;
 }
 
-void ContentFile::reload()
+template <class Base>
+void ContentFile<Base>::reload()
 {
     if (mayReload(*this))
-        fromFile(archive(), m_name, 0, nullptr);
+        fromFile(this->archive(), m_name, 0, nullptr);
 }
+
+template class ContentFile<Vela::ProjectFile>;
+template class ContentFile<Vela::Sprites>;
 
 } // namespace Lantern

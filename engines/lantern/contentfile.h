@@ -9,8 +9,10 @@
 
 namespace Lantern {
 
-/// A file of a project: the reading and writing of bytes, which subclasses make content of.
-class ContentFile : public Vela::ProjectFile,
+/// A file of a project that is read and written as a whole. \a Base is the library's class of such
+/// files: Vela::ProjectFile, or one that derives from it. Subclasses make content of the bytes.
+template <class Base>
+class ContentFile : public Base,
                     public Vela::PropertyItem,
                     public Vela::FileWatchObject,
                     public LateContent
@@ -37,20 +39,24 @@ protected:
     void bindTo(Vela::Archive &archive, const QString &name) override;
     void load() override;
 
-    /// Takes what was read, as a change that is not saved.
-    virtual void decode(const QByteArray &data) = 0;
-    /// Returns the content as bytes.
-    virtual QByteArray encode() const = 0;
+    /// Takes the content of a file, as a change that is not saved. Returns false with a reason in
+    /// \a error, and then the content is what it was.
+    virtual bool read(Vela::Archive &archive, const QString &name, QString &error) = 0;
+    /// Makes bytes of the content. Returns false with a reason in \a error.
+    virtual bool encode(QByteArray &data, QString &error) const = 0;
     /// Drops the content.
     virtual void clear() = 0;
     /// Called when the content stands in the file as it is.
     virtual void markSaved() = 0;
+    /// Called when a file that is read late cannot be. Saving it passes its bytes on as they are.
+    virtual void loadFailed(const QString &error);
 
 private:
-    bool contentBytes(QByteArray &data, QString &error);
+    bool contentBytes(QByteArray &data, QString &error) const;
 
     const char *const m_extension;
     QString m_name;
+    bool m_isUnreadable = false; // the file has content which is none of this object's
 };
 
 } // namespace Lantern
