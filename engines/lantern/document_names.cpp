@@ -6,6 +6,7 @@
 #include "lantern/motioncode.h"
 #include "lantern/motions.h"
 #include "lantern/options.h"
+#include "lantern/spritesfile.h"
 
 #include "frame/archive.h"
 #include "frame/interface.h"
@@ -27,6 +28,15 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(Lantern)
 };
 
+void addSpriteNames(const SpritesFile &sprites, QHash<QString, QString> &names)
+{
+    const unsigned int count = sprites.count();
+    for (unsigned int i = 0; i < count; ++i) {
+        const QString name = identifierName(sprites.at(i)->identifier());
+        names.insert(name, name);
+    }
+}
+
 } // namespace
 
 void Document::forgetNames()
@@ -46,6 +56,10 @@ const Document::Names &Document::names(int fileType) const
     Names &names = m_names[fileType];
     const QList<ProjectFile *> files = project()->filesByType(fileType);
     for (const ProjectFile *file : files) {
+        if (const auto *const sprites = dynamic_cast<const SpritesFile *>(file)) {
+            addSpriteNames(*sprites, names);
+            continue;
+        }
         const QString name = QFileInfo(file->fileName()).completeBaseName();
         names.insert(name.toCaseFolded(), name);
     }
@@ -80,9 +94,17 @@ QStringList Document::soundNames() const
     return project() ? names(Vela::Project::Sounds).values() : QStringList();
 }
 
-// Sprites of their own come with their editor.
-Vela::Sprite *Document::sprite(const QString &) const
+// An image that is a file of its own has no sprite.
+Vela::Sprite *Document::sprite(const QString &name) const
 {
+    const QList<ProjectFile *> files =
+        project() ? project()->filesByType(Vela::Project::Sprites) : QList<ProjectFile *>();
+    for (const ProjectFile *file : files) {
+        const auto *const sprites = dynamic_cast<const SpritesFile *>(file);
+        const int index = sprites ? sprites->find(0, name) : -1;
+        if (index >= 0)
+            return sprites->at(unsigned(index));
+    }
     return nullptr;
 }
 

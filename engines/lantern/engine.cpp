@@ -182,7 +182,7 @@ QString Engine::queryString(StringType what, unsigned int argument) const
 QMap<int, QString> Engine::singleFileFilters() const
 {
     return {{Vela::Project::Main, QStringLiteral("*.lantern")},
-            {Vela::Project::Sprites, QStringLiteral("*.png *.bmp *.pcx *.gif")},
+            {Vela::Project::Sprites, QStringLiteral("*.sprites *.png *.bmp *.pcx *.gif")},
             {Vela::Project::Sounds, QStringLiteral("*.wav *.ogg *.flac *.mp3")},
             {Vela::Project::Animations, QStringLiteral("*.motion")},
             {Vela::Project::Scripts, QStringLiteral("*.script")}};
@@ -190,7 +190,7 @@ QMap<int, QString> Engine::singleFileFilters() const
 
 Vela::ProjectFile *Engine::createFile(int type, Vela::Project *)
 {
-    return createContentFile(type);
+    return createContentFile(type, QString());
 }
 
 bool Engine::canOpen(const QString &path) const

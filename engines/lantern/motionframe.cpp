@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/motionframe.h"
 
+#include "lantern/identifiers.h"
 #include "lantern/linereader.h"
 #include "lantern/motioncode.h"
 #include "lantern/report.h"
@@ -121,7 +122,7 @@ Vela::Sprite *MotionFrame::sprite() const
 
 void MotionFrame::setSprite(const QVariant &identifier)
 {
-    const QString name = identifier.toString();
+    const QString name = spriteNameOf(identifier);
     if (name == m_sprite)
         return;
     const bool isKeyword = name.compare(noSprite, Qt::CaseInsensitive) == 0;

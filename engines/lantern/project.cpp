@@ -7,6 +7,7 @@
 #include "lantern/schema.h"
 #include "lantern/sectioncode.h"
 #include "lantern/settingcode.h"
+#include "lantern/spritesfile.h"
 #include "lantern/values.h"
 
 #include "code/rootcode.h"
@@ -91,6 +92,13 @@ void addLine(DefinitionFile &text, const Rule &rule, const QString &path)
         text.insertAfter(nullptr, end + QLatin1String("[files]\n") + line, false);
     }
     text.endChange();
+}
+
+bool isImage(const QString &name)
+{
+    static const QStringList suffixes{QStringLiteral("png"), QStringLiteral("bmp"),
+                                      QStringLiteral("pcx"), QStringLiteral("gif")};
+    return suffixes.contains(QFileInfo(name).suffix().toLower());
 }
 
 } // namespace
@@ -260,7 +268,7 @@ void Project::addFiles(const QSet<Dependency> &missing, Vela::JobStats *job)
         // A file of several types is one file, with one reference.
         Vela::ProjectFile *&file = byName[folder + dependency.second];
         if (!file) {
-            file = createContentFile(dependency.first);
+            file = createContentFile(dependency.first, dependency.second);
             dynamic_cast<LateContent &>(*file).attach(archive(), folder + dependency.second);
         }
         addFile(file, dependency.first);
@@ -282,6 +290,8 @@ void Project::onFileAdded(Vela::ProjectFile *file)
     if (file->project() != this || file == mainFile())
         return;
     m_names.insert(file, file->fileName());
+    if (auto *const sprites = dynamic_cast<SpritesFile *>(file))
+        connect(sprites, &SpritesFile::namesChanged, &m_namesChanged, qOverload<>(&QTimer::start));
     if (!m_takesNames && !file->fileName().isEmpty())
         listFile(file);
 }
@@ -339,13 +349,15 @@ void Project::passOnNames()
     }
 }
 
-Vela::ProjectFile *createContentFile(int type)
+Vela::ProjectFile *createContentFile(int type, const QString &name)
 {
     switch (type) {
     case Vela::Project::Main:
         return new DefinitionFile(Scope::Project);
     case Vela::Project::Sprites:
-        return new BinaryFile("png");
+        if (isImage(name))
+            return new BinaryFile("png");
+        return new SpritesFile;
     case Vela::Project::Sounds:
         return new BinaryFile("wav");
     case Vela::Project::Animations:

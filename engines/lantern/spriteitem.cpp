@@ -1,0 +1,323 @@
+// SPDX-License-Identifier: MIT
+#include "lantern/spriteitem.h"
+
+#include "lantern/spritesfile.h"
+
+#include "image/imageoperations.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace Lantern {
+
+namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Lantern)
+};
+
+constexpr int colorCount = 256;
+
+QString axisProperty()
+{
+    return QStringLiteral("Axis");
+}
+
+QString paletteProperty()
+{
+    return QStringLiteral("Palette");
+}
+
+QString widthProperty()
+{
+    return QStringLiteral("Width");
+}
+
+QString heightProperty()
+{
+    return QStringLiteral("Height");
+}
+
+QString colorsProperty()
+{
+    return QStringLiteral("Colors");
+}
+
+QVector<QRgb> grayTable()
+{
+    QVector<QRgb> table(colorCount);
+    for (int i = 0; i < colorCount; ++i)
+        table[i] = qRgb(i, i, i);
+    return table;
+}
+
+QVector<QRgb> colorTableOf(const Vela::Palette *palette)
+{
+    Vela::RGBA colors[colorCount];
+    if (!palette || !palette->colorTable(colors))
+        return grayTable();
+    QVector<QRgb> table(colorCount);
+    std::transform(std::begin(colors), std::end(colors), table.begin(), &Vela::toRgb);
+    return table;
+}
+
+// Fills what the image does not have with opaque black.
+void colorsOf(const QImage &image, Vela::RGBA (&colors)[colorCount])
+{
+    const QVector<QRgb> table = image.colorTable();
+    for (int i = 0; i < colorCount; ++i)
+        colors[i] = Vela::toRGBA(i < table.size() ? table.at(i) : qRgb(0, 0, 0));
+}
+
+PaletteRef equalPalette(const SpritesFile &file, const Vela::RGBA (&colors)[colorCount])
+{
+    const QVector<PaletteRef> &palettes = file.paletteItems();
+    const auto found =
+        std::find_if(palettes.begin(), palettes.end(), [&colors](const PaletteRef &palette) {
+            Vela::RGBA own[colorCount];
+            return palette->colorTable(own)
+                && std::equal(std::begin(own), std::end(own), std::begin(colors));
+        });
+    return found == palettes.end() ? nullptr : *found;
+}
+
+QImage channelOf(const QImage &image, QRgb mask)
+{
+    QImage channel = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < channel.height(); ++y) {
+        auto *const row = reinterpret_cast<QRgb *>(channel.scanLine(y));
+        std::transform(row, row + channel.width(), row,
+                       [mask](QRgb color) { return color & mask; });
+    }
+    return channel;
+}
+
+// Moves a place in an image along when the image becomes another size.
+QPoint scaled(QPoint place, const Vela::ImageInfo &from, QSize to)
+{
+    if (from.width == 0 || from.height == 0)
+        return place;
+    return {int(qint64(place.x()) * to.width() / from.width),
+            int(qint64(place.y()) * to.height() / from.height)};
+}
+
+} // namespace
+
+SpriteItem::SpriteItem(SpritesFile &file, const Value &value)
+    : m_file(file)
+    , m_value(value)
+{
+}
+
+QStringList SpriteItem::propertyNames() const
+{
+    return Sprite::propertyNames()
+        + QStringList{axisProperty(), paletteProperty(), widthProperty(), heightProperty(),
+                      colorsProperty()};
+}
+
+QVariant SpriteItem::property(const QString &name) const
+{
+    if (name == Sprite::propertyNames().first())
+        return identifierText(m_value.identifier);
+    if (name == axisProperty())
+        return identifierText({m_value.axis.x(), m_value.axis.y()});
+    if (name == paletteProperty())
+        return m_value.palette ? QVariant(m_value.palette->index()) : QVariant(QString());
+    if (name == widthProperty())
+        return m_value.info.width;
+    if (name == heightProperty())
+        return m_value.info.height;
+    if (name == colorsProperty())
+        return m_value.info.format == QImage::Format_Indexed8 ? Texts::tr("palette")
+                                                              : Texts::tr("32 bits");
+    return {};
+}
+
+void SpriteItem::setProperty(const QString &name, const QVariant &value)
+{
+    Vela::SubItem numbers;
+    if (name == Sprite::propertyNames().first() && readIdentifier(value, numbers))
+        setIdentifier(numbers);
+    else if (name == axisProperty() && readIdentifier(value, numbers))
+        setAxis({numbers.group, numbers.image});
+    else if (name == paletteProperty()) {
+        bool isNumber = false;
+        const unsigned int index = value.toString().toUInt(&isNumber);
+        if (isNumber && m_file.palettes()->at(index))
+            setPalette(m_file.palettes()->at(index));
+        else if (value.toString().isEmpty())
+            setPalette(nullptr);
+    }
+}
+
+unsigned int SpriteItem::index() const
+{
+    return m_index;
+}
+
+Vela::Sprites *SpriteItem::parent() const
+{
+    return &m_file;
+}
+
+Vela::Sprite *SpriteItem::duplicate() const
+{
+    const Change change(m_file, Texts::tr("Duplicate sprite"));
+    Value copy = m_value;
+    copy.identifier = m_file.freeIdentifier(m_value.identifier);
+    const auto sprite = std::make_shared<SpriteItem>(m_file, copy);
+    m_file.insertSprite(m_index + 1, sprite);
+    return sprite.get();
+}
+
+void SpriteItem::crop()
+{
+    QImage cropped = image();
+    QPoint offset;
+    if (!Vela::cropImage(cropped, &offset, 0))
+        return;
+    const Change change(m_file, Texts::tr("Crop sprite"));
+    setImage(cropped, Vela::ShareMode::Share);
+    setAxis(m_value.axis - offset);
+}
+
+void SpriteItem::splitRGB()
+{
+    const QImage whole = image();
+    if (whole.isNull())
+        return;
+    const Change change(m_file, Texts::tr("Split channels"));
+    unsigned int place = m_index;
+    for (const QRgb mask : {0xFFFF0000u, 0xFF00FF00u, 0xFF0000FFu}) {
+        const Vela::SubItem identifier = m_file.freeIdentifier(m_value.identifier);
+        Vela::Sprite *const channel = m_file.insert(++place, QVariant::fromValue(identifier),
+                                                    channelOf(whole, mask), Vela::ShareMode::Share);
+        if (channel)
+            channel->setAxis(m_value.axis);
+    }
+}
+
+bool SpriteItem::isEmpty() const
+{
+    return !m_value.image;
+}
+
+Vela::SubItem SpriteItem::identifier() const
+{
+    return m_value.identifier;
+}
+
+void SpriteItem::setIdentifier(Vela::SubItem identifier)
+{
+    const Change change(m_file, Texts::tr("Sprite's number"));
+    Value changed = m_value;
+    changed.identifier = identifier;
+    m_file.setValue(*this, changed);
+}
+
+QImage SpriteItem::image() const
+{
+    QImage image = m_value.image ? imageFromPlain(m_value.image->plain()) : QImage();
+    if (image.format() == QImage::Format_Indexed8)
+        image.setColorTable(colorTableOf(m_value.palette.get()));
+    return image;
+}
+
+Vela::ImageInfo SpriteItem::imageProperties() const
+{
+    return m_value.info;
+}
+
+bool SpriteItem::imageIsShared() const
+{
+    const StreamRef &own = m_value.image;
+    if (!own || (own.use_count() < 2 && own->item()->refCount() < 2))
+        return false;
+    const QVector<SpriteRef> &sprites = m_file.spriteItems();
+    return std::any_of(sprites.begin(), sprites.end(), [this, &own](const SpriteRef &other) {
+        const StreamRef &image = other->value().image;
+        return other.get() != this && image && image->sharesWith(*own);
+    });
+}
+
+void SpriteItem::setImage(const QImage &image, Vela::ShareMode share)
+{
+    setImage(image, true, Ignore, nullptr, share);
+}
+
+void SpriteItem::setImage(const QImage &image, bool keepAxis, PaletteMode mode,
+                          Vela::Palette *palette, Vela::ShareMode share)
+{
+    const Change change(m_file, Texts::tr("Sprite's image"));
+    QImage pixels = spriteImage(image);
+    if (!pixels.isNull())
+        takeColors(pixels, mode, palette, share);
+    Value changed = m_value;
+    const QByteArray plain = plainImage(pixels);
+    changed.image = plain.isEmpty() ? nullptr : m_file.keep(plain, preferredEncoding(plain), share);
+    // An image that cannot be kept leaves the sprite as it was; an empty one empties it.
+    if (!changed.image && !image.isNull())
+        return;
+    changed.info = changed.image
+        ? Vela::ImageInfo{quint16(pixels.width()), quint16(pixels.height()), pixels.format()}
+        : Value().info;
+    if (!keepAxis)
+        changed.axis = scaled(m_value.axis, m_value.info, pixels.size());
+    m_file.setValue(*this, changed);
+}
+
+// Settles which palette the sprite has with a new image, and fits the image to it where asked.
+void SpriteItem::takeColors(QImage &image, PaletteMode mode, Vela::Palette *palette,
+                            Vela::ShareMode share)
+{
+    const bool isIndexed = image.format() == QImage::Format_Indexed8;
+    Vela::RGBA colors[colorCount];
+    if (mode == OwnPalette && isIndexed) {
+        colorsOf(image, colors);
+        const PaletteRef known = equalPalette(m_file, colors);
+        setPalette(known ? known.get() : m_file.palettes()->add(colors, QVariant(), share));
+    } else if (mode == AdaptImage && palette && palette->colorTable(colors)) {
+        Vela::adaptImageToPalette(image, colors);
+        setPalette(palette);
+    } else if (mode == SwapPalette && palette && isIndexed) {
+        colorsOf(image, colors);
+        palette->setColorTable(colors, share);
+        setPalette(palette);
+    }
+}
+
+Vela::Palette *SpriteItem::palette() const
+{
+    return m_value.palette.get();
+}
+
+void SpriteItem::setPalette(Vela::Palette *palette)
+{
+    const Change change(m_file, Texts::tr("Sprite's palette"));
+    Value changed = m_value;
+    changed.palette = m_file.paletteRef(palette);
+    m_file.setValue(*this, changed);
+}
+
+QPoint SpriteItem::axis() const
+{
+    return m_value.axis;
+}
+
+void SpriteItem::setAxis(QPoint axis)
+{
+    const Change change(m_file, Texts::tr("Sprite's axis"));
+    Value changed = m_value;
+    changed.axis = axis;
+    m_file.setValue(*this, changed);
+}
+
+const SpriteItem::Value &SpriteItem::value() const
+{
+    return m_value;
+}
+
+} // namespace Lantern

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "lantern/spritecodec.h"
+
+#include "cache/asyncfilecache.h"
+
+#include <memory>
+
+namespace Lantern {
+
+class StreamHandle;
+
+/// Shared by everything that has the stream, and given up with the last of it.
+using StreamRef = std::shared_ptr<StreamHandle>;
+
+/// The streams of a file, and of what has been made since it was read: images and palettes. It
+/// lives as long as any of its handles.
+class StreamStore : public std::enable_shared_from_this<StreamStore>
+{
+public:
+    /// Streams that are loaded late come from \a fileName on the disk. \a isPreferred tells whether
+    /// all images have their preferred encoding.
+    StreamStore(const QString &fileName, bool isPreferred);
+    ~StreamStore();
+
+    /// Returns a stream that is loaded in the background, from a region of the file.
+    StreamRef addLate(const Vela::AsyncFileCache::Item::Info &info);
+    /// Returns a stream of bytes that have their encoding already. \a crc is of the plain data.
+    StreamRef addRaw(const QByteArray &raw, unsigned int encoding, unsigned int crc);
+    /// Returns a stream of plain data, encoded if that makes it smaller; null if it cannot be kept.
+    StreamRef addPlain(const QByteArray &plain, unsigned int encoding);
+    /// Returns a stream that shares the bytes of the first one with that plain data; null if there
+    /// is none.
+    StreamRef findTwin(const QByteArray &plain);
+
+private:
+    Q_DISABLE_COPY(StreamStore)
+    friend class StreamHandle;
+
+    StreamRef newHandle();
+    StreamRef add(const QVariant &source);
+
+    SpriteCodec m_codec;
+    Vela::AsyncFileCache *const m_cache;
+    const bool m_isPreferred;
+};
+
+/// A handle on a stream of a store.
+class StreamHandle : public Vela::StreamCacheData
+{
+public:
+    /// Returns the plain data; empty if it cannot be had, or is no longer what it was.
+    QByteArray plain() const;
+    /// Returns the stream as files are to hold it, with its encoding; empty if it cannot be had.
+    QByteArray stored(unsigned int &encoding) const;
+    /// Returns whether both stand for the same bytes of the cache.
+    bool sharesWith(const StreamHandle &other) const;
+
+private:
+    friend class StreamStore;
+
+    explicit StreamHandle(std::shared_ptr<StreamStore> store);
+    void free() override;
+
+    std::shared_ptr<StreamStore> m_store;
+};
+
+} // namespace Lantern
