@@ -6,6 +6,10 @@
 #include "editor/codefileeditor.h"
 #include "editor/codeworkspace.h"
 #include "frame/archive.h"
+#include "frame/propertyitem.h"
+#include "image/palettes.h"
+#include "image/sprite.h"
+#include "image/sprites.h"
 #include "studio/colors.h"
 #include "studio/session/documents.h"
 #include "studio/window/editors.h"
@@ -13,12 +17,14 @@
 #include "studio/window/findbar.h"
 #include "studio/window/imagepreview.h"
 #include "studio/window/notelabel.h"
+#include "studio/window/spritesview.h"
 #include "studio/window/textplaces.h"
 
 #include <QDir>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QListView>
 #include <QLocale>
 #include <QMimeData>
 #include <QScrollBar>
@@ -54,6 +60,7 @@ FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     , m_editor(editors.code().editor())
     , m_text(new TextView(colors))
     , m_image(new ImagePreview)
+    , m_sprites(new SpritesView)
     , m_words(new NoteLabel)
     , m_findBar(new FindBar(colors))
     , m_syntax(colors)
@@ -71,6 +78,7 @@ FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     m_pages->addWidget(m_editors.code().widget());
     m_pages->addWidget(m_text);
     m_pages->addWidget(m_image);
+    m_pages->addWidget(m_sprites);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -80,6 +88,8 @@ FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     layout->addWidget(m_findBar);
     connectText(*m_editor);
     connectText(*m_text);
+    connect(m_sprites, &SpritesView::edited, this, &FileView::edited);
+    connect(m_sprites, &SpritesView::currentChanged, this, &FileView::propertyItemChanged);
     connectFindBar();
     setFile(nullptr, QString());
 }
@@ -210,10 +220,19 @@ QPlainTextEdit *FileView::textEdit() const
     return m_document ? m_editor : nullptr;
 }
 
+Vela::PropertyItem *FileView::propertyItem() const
+{
+    Vela::Sprite *const sprite =
+        m_pages->currentWidget() == m_sprites ? m_sprites->currentSprite() : nullptr;
+    return sprite ? sprite : dynamic_cast<Vela::PropertyItem *>(m_file);
+}
+
 void FileView::focusText()
 {
     if (textEdit())
         textEdit()->setFocus();
+    else if (m_pages->currentWidget() == m_sprites)
+        m_sprites->list()->setFocus();
 }
 
 void FileView::updateColors()
@@ -279,7 +298,13 @@ void FileView::keyPressEvent(QKeyEvent *event)
 
 void FileView::showContent()
 {
-    if (m_document) {
+    auto *const sprites = dynamic_cast<Vela::Sprites *>(m_file);
+    m_sprites->setSprites(sprites);
+    if (sprites) {
+        m_note->setText(tr("%n sprites", nullptr, int(sprites->count())) + QStringLiteral(", ")
+                        + tr("%n palettes", nullptr, int(sprites->palettes()->count())));
+        m_pages->setCurrentWidget(m_sprites);
+    } else if (m_document) {
         m_note->setText(m_editor->isReadOnly() ? tr("Read-only view") : QString());
         m_pages->setCurrentWidget(m_editors.code().widget());
     } else {

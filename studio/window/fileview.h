@@ -16,6 +16,7 @@ namespace Vela {
 class CodeDocument;
 class CodeEditor;
 class ProjectFile;
+class PropertyItem;
 } // namespace Vela
 
 namespace Studio {
@@ -24,9 +25,10 @@ class Colors;
 class Editors;
 class FindBar;
 class ImagePreview;
+class SpritesView;
 
 /// Shows the content of one file: a definition text, in the workspace of its editor, another text
-/// or an image, to be looked at, or a few words about any other. Finds in texts.
+/// or an image or sprites, to be looked at, or a few words about any other. Finds in texts.
 class FileView : public QWidget
 {
     Q_OBJECT
@@ -52,7 +54,10 @@ public:
     void goTo(int line, int column);
     /// Returns where the file's text is shown, or null if it is none.
     QPlainTextEdit *textEdit() const;
-    /// Gives the focus to the file's text, if it has one.
+    /// Returns what the properties are of: a sprite that is chosen, or else the file; null if they
+    /// have none.
+    Vela::PropertyItem *propertyItem() const;
+    /// Gives the focus to the file's text or sprites, if it has any.
     void focusText();
     /// Takes the colours anew.
     void updateColors();
@@ -73,6 +78,8 @@ Q_SIGNALS:
     void edited();
     /// Something can be undone or redone now, or no longer.
     void historyChanged();
+    /// propertyItem() is another, or has changed.
+    void propertyItemChanged();
     /// All matches in all files are asked for.
     void findEverywhereWanted();
 
@@ -109,6 +116,7 @@ private:
     Vela::CodeEditor *m_editor; ///< of the workspace of definition texts
     TextView *m_text;
     ImagePreview *m_image;
+    SpritesView *m_sprites;
     QLabel *m_words;
     FindBar *m_findBar;
     SyntaxColors m_syntax;

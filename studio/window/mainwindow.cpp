@@ -314,7 +314,7 @@ void MainWindow::setCurrentFile(const QString &path)
     m_view->setFile(file, m_current);
     m_tabs->show(m_current);
     m_structureDock->setFile(file, qobject_cast<Vela::CodeFileEditor *>(m_host.currentEditor()));
-    m_propertiesDock->setFile(file);
+    m_propertiesDock->setItem(m_view->propertyItem());
     if (file)
         m_projectDock->select(path);
     if (file && file->project())

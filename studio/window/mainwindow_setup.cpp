@@ -235,6 +235,8 @@ void MainWindow::connectText()
     connect(m_view, &FileView::positionChanged, this, &MainWindow::updateStatus);
     connect(m_view, &FileView::historyChanged, this, &MainWindow::updateActions);
     connect(m_view, &FileView::edited, this, &MainWindow::onEdited);
+    connect(m_view, &FileView::propertyItemChanged, this,
+            [this] { m_propertiesDock->setItem(m_view->propertyItem()); });
     connect(m_view, &FileView::findEverywhereWanted, this,
             [this] { m_searchDock->search(m_view->searchTerm()); });
     connect(m_clipboard, &ClipboardCommands::changed, this, &MainWindow::updateActions);

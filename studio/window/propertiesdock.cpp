@@ -100,9 +100,13 @@ PropertiesDock::PropertiesDock(QWidget *parent)
     connect(&m_model, &PropertiesModel::modelReset, content, showContent);
 }
 
-void PropertiesDock::setFile(Vela::ProjectFile *file)
+// The same one again keeps the row that is chosen.
+void PropertiesDock::setItem(Vela::PropertyItem *item)
 {
-    m_model.setItem(dynamic_cast<Vela::PropertyItem *>(file));
+    if (item && item == m_model.item())
+        m_model.refresh();
+    else
+        m_model.setItem(item);
 }
 
 PropertiesModel *PropertiesDock::model()

@@ -9,12 +9,12 @@ class QLabel;
 class QTreeView;
 
 namespace Vela {
-class ProjectFile;
+class PropertyItem;
 }
 
 namespace Studio {
 
-/// The properties of the current file.
+/// The properties of the current file, or of what is chosen in it.
 class PropertiesDock : public QDockWidget
 {
     Q_OBJECT
@@ -22,8 +22,8 @@ class PropertiesDock : public QDockWidget
 public:
     explicit PropertiesDock(QWidget *parent = nullptr);
 
-    /// Shows the properties of \a file, which must live until the next call; null shows none.
-    void setFile(Vela::ProjectFile *file);
+    /// Shows the properties of \a item, which must live until the next call; null shows none.
+    void setItem(Vela::PropertyItem *item);
     PropertiesModel *model();
     QTreeView *view() const;
 

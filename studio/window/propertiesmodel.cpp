@@ -18,6 +18,11 @@ void PropertiesModel::setItem(Vela::PropertyItem *item)
     endResetModel();
 }
 
+Vela::PropertyItem *PropertiesModel::item() const
+{
+    return m_item;
+}
+
 QString PropertiesModel::name(int row) const
 {
     return m_properties.at(row).name;

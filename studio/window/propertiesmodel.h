@@ -24,6 +24,7 @@ public:
 
     /// Shows another item, which must live until the next call; null shows none.
     void setItem(Vela::PropertyItem *item);
+    Vela::PropertyItem *item() const;
     QString name(int row) const;
     /// Reads the values anew.
     void refresh();

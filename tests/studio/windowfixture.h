@@ -123,12 +123,15 @@ public:
             return false;
         view->setCurrentIndex(rows.first().sibling(rows.first().row(), 1));
         view->edit(view->currentIndex());
-        auto *edit = view->viewport()->findChild<QLineEdit *>();
-        if (!edit)
+        // The field of the value before may not be gone yet.
+        const auto edits = view->viewport()->findChildren<QLineEdit *>();
+        const auto edit = std::find_if(edits.begin(), edits.end(),
+                                       [](const QLineEdit *field) { return field->isVisible(); });
+        if (edit == edits.end())
             return false;
-        edit->selectAll();
-        QTest::keyClicks(edit, value);
-        QTest::keyClick(edit, Qt::Key_Return);
+        (*edit)->selectAll();
+        QTest::keyClicks(*edit, value);
+        QTest::keyClick(*edit, Qt::Key_Return);
         QCoreApplication::processEvents(); // the value is taken behind the key
         return view->currentIndex().data(Qt::EditRole).toString() == value;
     }

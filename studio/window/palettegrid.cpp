@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "studio/window/palettegrid.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace Studio {
+
+namespace {
+
+constexpr int Columns = 16;
+constexpr int UsualSide = 14;
+constexpr int LeastSide = 5;
+
+} // namespace
+
+PaletteGrid::PaletteGrid(QWidget *parent)
+    : QWidget(parent)
+{
+    setAccessibleName(tr("Palette"));
+}
+
+void PaletteGrid::setColors(const QVector<QRgb> &colors)
+{
+    m_colors = colors;
+    setAccessibleDescription(tr("%n colors", nullptr, colors.size()));
+    update();
+}
+
+int PaletteGrid::cellSide() const
+{
+    return std::max(LeastSide, std::min(width(), height()) / Columns);
+}
+
+QRect PaletteGrid::cell(int index) const
+{
+    const int side = cellSide();
+    return {index % Columns * side, index / Columns * side, side, side};
+}
+
+int PaletteGrid::colorAt(QPoint place) const
+{
+    const int column = place.x() / cellSide();
+    const int index = place.y() / cellSide() * Columns + column;
+    const bool isInside =
+        place.x() >= 0 && place.y() >= 0 && column < Columns && index < m_colors.size();
+    return isInside ? index : -1;
+}
+
+QSize PaletteGrid::sizeHint() const
+{
+    return {Columns * UsualSide + 1, Columns * UsualSide + 1};
+}
+
+QSize PaletteGrid::minimumSizeHint() const
+{
+    return {Columns * LeastSide + 1, Columns * LeastSide + 1};
+}
+
+bool PaletteGrid::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto *const help = static_cast<QHelpEvent *>(event);
+    const int index = colorAt(help->pos());
+    if (index < 0) {
+        QToolTip::hideText();
+        event->ignore();
+        return true;
+    }
+    const QRgb color = m_colors.at(index);
+    QToolTip::showText(help->globalPos(),
+                       tr("%1: red %2, green %3, blue %4, alpha %5")
+                           .arg(index)
+                           .arg(qRed(color))
+                           .arg(qGreen(color))
+                           .arg(qBlue(color))
+                           .arg(qAlpha(color)),
+                       this, cell(index));
+    return true;
+}
+
+// A colour that is not opaque shows the ground in its lower half.
+void PaletteGrid::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    for (int i = 0; i < m_colors.size(); ++i) {
+        const QRect area = cell(i);
+        const QColor color = QColor::fromRgba(m_colors.at(i));
+        painter.fillRect(area, palette().color(QPalette::Base));
+        painter.fillRect(area, color);
+        painter.fillRect(QRect(area.topLeft(), QSize(area.width(), area.height() / 2)),
+                         QColor(color.rgb()));
+        painter.setPen(palette().color(QPalette::Window));
+        painter.drawRect(area.adjusted(0, 0, -1, -1));
+    }
+}
+
+} // namespace Studio
