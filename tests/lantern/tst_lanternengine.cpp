@@ -283,10 +283,10 @@ void tst_LanternEngine::filesAreFoundInAnyCase()
     QCOMPARE(
         dependenciesOf(*rowan),
         (QStringList{QStringLiteral("1 sprites/idle.png"), QStringLiteral("1 sprites/walk-1.png"),
-                     QStringLiteral("1 sprites/walk-2.png"), QStringLiteral("2 sounds/step.wav"),
-                     QStringLiteral("2 sounds/lantern.wav"), QStringLiteral("3 rowan.motion"),
-                     QStringLiteral("4 scripts/rowan.script")}));
-    QCOMPARE(rowan->fileCount(), 8);
+                     QStringLiteral("1 sprites/walk-2.png"), QStringLiteral("1 rowan.sprites"),
+                     QStringLiteral("2 sounds/step.wav"), QStringLiteral("2 sounds/lantern.wav"),
+                     QStringLiteral("3 rowan.motion"), QStringLiteral("4 scripts/rowan.script")}));
+    QCOMPARE(rowan->fileCount(), 9);
     const ProjectFile *const script = rowan->file(Project::Scripts);
     QVERIFY(script->fileExists());
     QCOMPARE(script->displayName(), QStringLiteral("rowan.script"));
@@ -338,7 +338,7 @@ void tst_LanternEngine::closedProjectsOpenAndClose()
     projectNamed(*parent, "Rowan")->release();
     files.clear();
     parent->closedProjectFiles(QStringLiteral("rowan"), files);
-    QCOMPARE(files.size(), 8);
+    QCOMPARE(files.size(), 9);
     close(parent);
 }
 
@@ -582,12 +582,13 @@ void tst_LanternEngine::scriptsNameAnimationsAndSounds()
     auto *const script = dynamic_cast<Lantern::Document *>(rowan->file(Project::Scripts));
     QVERIFY(!script->isEmpty());
     QCOMPARE(script->animationNames(),
-             (QStringList{QStringLiteral("idle"), QStringLiteral("walk"), QStringLiteral("lift")}));
+             (QStringList{QStringLiteral("idle"), QStringLiteral("walk"), QStringLiteral("lift"),
+                          QStringLiteral("turn"), QStringLiteral("far")}));
     script->openAnimation(QStringLiteral("Walk"));
     QCOMPARE(host.openFileCalls.size(), 1);
     QCOMPARE(host.openFileCalls.last().file, rowan->file(Project::Animations));
-    // "[animation walk]" is the 17th line of the file.
-    QCOMPARE(host.openFileCalls.last().line, 16u);
+    // "[animation walk]" is the 23rd line of the file.
+    QCOMPARE(host.openFileCalls.last().line, 22u);
     script->openSound(QStringLiteral("LANTERN"));
     QCOMPARE(host.openFileCalls.last().file->fileName(), path("meadow/rowan/sounds/lantern.wav"));
     script->openAnimation(QStringLiteral("swim"));

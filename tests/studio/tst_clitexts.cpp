@@ -437,10 +437,10 @@ void TestCliTexts::meadowIsListed()
                               QString::number(animation[QStringLiteral("ticks")].toInt())));
     const QMap<QString, QString> expected{
         {QStringLiteral("idle"), QStringLiteral("rowan/rowan.motion: 80 ticks")},
-        {QStringLiteral("walk"), QStringLiteral("rowan/rowan.motion: 28 ticks")},
+        {QStringLiteral("walk"), QStringLiteral("rowan/rowan.motion: 48 ticks")},
         {QStringLiteral("flow"), QStringLiteral("brook/brook.motion: 36 ticks")},
         {QStringLiteral("Rad"), QStringLiteral("mill/mill.motion: 10 ticks")},
-        {QString::fromUtf8("飛ぶ"), QStringLiteral("hotaru/hotaru.motion: 120 ticks")}};
+        {QString::fromUtf8("飛ぶ"), QStringLiteral("hotaru/hotaru.motion: 60 ticks")}};
     for (auto it = expected.begin(); it != expected.end(); ++it)
         QCOMPARE(found.value(it.key()), it.value());
 }

@@ -1,0 +1,1 @@
+"""The pictures of examples/meadow, drawn by make_art.py."""
