@@ -151,8 +151,11 @@ public:
         : m_provider(provider)
         , m_text(text)
     {
-        if (m_provider.m_output == ConsoleProgress::Progress)
-            m_provider.write(m_text);
+    }
+
+    ~ConsoleJob() override
+    {
+        hide();
     }
 
     bool wasCancelled() const override
@@ -169,8 +172,10 @@ public:
     {
         m_value = value;
         const int tenth = share(m_value, m_maximum, 10);
-        if (tenth > m_tenth && m_provider.m_output == ConsoleProgress::Progress)
-            m_provider.write(QStringLiteral("%1: %2 %").arg(m_text).arg(tenth * 10));
+        if (tenth > m_tenth && m_provider.m_output == ConsoleProgress::Progress) {
+            m_provider.write(QStringLiteral("\r%1: %2 %").arg(m_text).arg(tenth * 10));
+            m_isShown = true;
+        }
         m_tenth = tenth;
     }
 
@@ -183,7 +188,8 @@ public:
     {
         const QString line = QStringLiteral("%1: %2").arg(m_text, text);
         m_provider.m_errors.append(line);
-        m_provider.write(line);
+        hide();
+        m_provider.write(line + QLatin1Char('\n'));
     }
 
     void setLengthy(int) override
@@ -191,11 +197,19 @@ public:
     }
 
 private:
+    void hide()
+    {
+        if (m_isShown)
+            m_provider.write(QStringLiteral("\r\x1b[K")); // to the line's start, and clear it
+        m_isShown = false;
+    }
+
     ConsoleProgress &m_provider;
     QString m_text;
     unsigned int m_maximum = 0;
     unsigned int m_value = 0;
     int m_tenth = 0;
+    bool m_isShown = false;
 };
 
 ConsoleProgress::ConsoleProgress(QIODevice &device, Output output)
@@ -214,9 +228,9 @@ QStringList ConsoleProgress::errors() const
     return m_errors;
 }
 
-void ConsoleProgress::write(const QString &line)
+void ConsoleProgress::write(const QString &text)
 {
-    m_device.write(line.toUtf8() + '\n');
+    m_device.write(text.toUtf8());
 }
 
 } // namespace Studio

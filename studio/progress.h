@@ -76,7 +76,7 @@ class ConsoleProgress : public Vela::ProgressProvider
 public:
     enum Output {
         ErrorsOnly,
-        Progress ///< a line for each job, and one for each further tenth of it
+        Progress ///< a line of a terminal, written anew with each tenth of a job, gone at its end
     };
 
     /// \a device is open for writing and outlives this object and its jobs.
@@ -90,7 +90,7 @@ public:
 private:
     friend class ConsoleJob;
 
-    void write(const QString &line);
+    void write(const QString &text);
 
     QIODevice &m_device;
     Output m_output;

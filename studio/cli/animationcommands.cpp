@@ -2,15 +2,13 @@
 #include "code/animationcode.h"
 #include "code/animationplayer.h"
 #include "code/animations.h"
-#include "code/codedocument.h"
 #include "code/framecode.h"
+#include "studio/cli/animationfiles.h"
 #include "studio/cli/commands.h"
 #include "studio/cli/console.h"
-#include "studio/cli/definitions.h"
 #include "studio/cli/projectcall.h"
 #include "studio/session/messagereport.h"
 
-#include <QDir>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -19,49 +17,6 @@ namespace Studio {
 namespace {
 
 constexpr int MostTicks = 60 * 60 * 60; // an hour
-
-/// The animations of one file of a project.
-struct AnimationFile
-{
-    QString path;
-    Vela::Animations *animations = nullptr;
-};
-
-/// One animation that has the identifier that was asked for.
-struct Match
-{
-    AnimationFile file;
-    int index = 0;
-};
-
-bool isFile(const ProjectSession &session, const QString &path, const QString &name)
-{
-    const QString root = rootPath(*session.parent());
-    return path == QDir::cleanPath(name)
-        || QDir(root).absoluteFilePath(path) == ProjectSession::normalizedPath(name);
-}
-
-/// Returns the animations of the file \a name, or of all files if that is null. Sets \a complete
-/// to whether they could be read.
-QList<AnimationFile> animationFiles(const ProjectSession &session, const QString &name,
-                                    bool *complete)
-{
-    *complete = true;
-    QList<AnimationFile> result;
-    const QList<Definition> texts = definitions(*session.parent());
-    for (const Definition &text : texts) {
-        if (!name.isNull() && !isFile(session, text.path, name))
-            continue;
-        if (!read(text.document)) {
-            *complete = false;
-            continue;
-        }
-        Vela::CodeNodeFile *const file = text.document->nodeFile(Vela::CodeNode::Animation, 0);
-        if (auto *animations = dynamic_cast<Vela::Animations *>(file))
-            result.append({text.path, animations});
-    }
-    return result;
-}
 
 QString identifierOf(const Vela::AnimationCode &animation)
 {
@@ -123,55 +78,6 @@ QJsonObject toJson(const QString &path, const Vela::AnimationCode &animation)
     return object;
 }
 
-QList<Match> findAll(const QList<AnimationFile> &files, const QString &id)
-{
-    QList<Match> result;
-    for (const AnimationFile &file : files) {
-        int index = file.animations->find(0, id);
-        while (index >= 0) {
-            result.append({file, index});
-            index = file.animations->find(static_cast<unsigned int>(index) + 1, id);
-        }
-    }
-    return result;
-}
-
-QString placeOf(const Match &match)
-{
-    const Vela::AnimationCode *animation =
-        match.file.animations->at(static_cast<unsigned int>(match.index));
-    return QStringLiteral("%1:%2").arg(match.file.path, QString::number(animation->lineNo() + 1));
-}
-
-/// Returns the one animation that a call means. Reports the reason and returns false if there is
-/// none or more than one.
-bool findAnimation(const ProjectSession &session, const Call &call, Match *match)
-{
-    bool complete = false;
-    const QString name = call.values.value(InFile);
-    const QList<AnimationFile> files = animationFiles(session, name, &complete);
-    if (!complete)
-        return false;
-    if (!name.isNull() && files.isEmpty()) {
-        Console::report(QStringLiteral("%1: is not a file of animations").arg(name));
-        return false;
-    }
-    const QString id = call.arguments.at(1);
-    const QList<Match> matches = findAll(files, id);
-    if (matches.size() == 1) {
-        *match = matches.first();
-        return true;
-    }
-    QStringList places;
-    for (const Match &found : matches)
-        places.append(placeOf(found));
-    Console::report(matches.isEmpty()
-                        ? QStringLiteral("%1: there is no such animation").arg(id)
-                        : QStringLiteral("%1: is the identifier of several animations: %2")
-                              .arg(id, places.join(QStringLiteral(", "))));
-    return false;
-}
-
 /// What a player shows at one tick.
 struct Shown
 {
@@ -180,7 +86,7 @@ struct Shown
     unsigned int frameTime = 0;
 };
 
-QList<Shown> play(const Match &match, int ticks)
+QList<Shown> play(const AnimationMatch &match, int ticks)
 {
     QList<Shown> result;
     Vela::AnimationPlayer player;
@@ -253,8 +159,9 @@ int runPlay(const Call &call)
         return Failed;
     }
     const std::unique_ptr<ProjectSession> session = openProject(call.arguments.first());
-    Match match;
-    if (!session || !findAnimation(*session, call, &match))
+    AnimationMatch match;
+    if (!session
+        || !findAnimation(*session, call.arguments.at(1), call.values.value(InFile), &match))
         return Failed;
     const QList<Shown> shown = play(match, ticks);
     if (call.options.testFlag(Json))

@@ -29,6 +29,16 @@ const OptionInfo Options[] = {
     {IndentOnly, "", "indent-only", "", "change the indents of lines and nothing else"},
     {Ticks, "", "ticks", "N", "play for N ticks"},
     {InFile, "", "file", "FILE", "look in FILE only"},
+    {WithPalette, "", "palette", "FILE", "fit the image to the colors of FILE"},
+    {ColorCount, "", "colors", "N", "reduce the image to N colors"},
+    {Scale, "", "scale", "SIZE", "convert: to WxH pixels; gif: SIZE times as large"},
+    {Filter, "", "filter", "NAME", "how new pixels are made"},
+    {Rotate, "", "rotate", "DEG", "turn clockwise by DEG degrees"},
+    {Crop, "", "crop", "", "cut off the borders in which nothing is seen"},
+    {Format, "", "format", "WORD", "write images of this format: png, pcx, ..."},
+    {Speed, "", "speed", "X", "play X times as fast"},
+    {SharedPalette, "", "shared-palette", "", "use the first frame's colors for all frames"},
+    {Once, "", "once", "", "play once, and not again and again"},
     {0, "", "extensions", "DIR", "load the engines from DIR"},
     {0, "h", "help", "", "print help, with a command about that command"},
     {0, "v", "version", "", "print the version"},
@@ -78,7 +88,7 @@ QString usageLine(const Command &command)
 
 QString row(const QString &left, const char *right)
 {
-    return QStringLiteral("  %1  %2\n").arg(left, -25).arg(text(right));
+    return QStringLiteral("  %1  %2\n").arg(left, -28).arg(text(right));
 }
 
 QString optionRow(const OptionInfo &info)
@@ -133,10 +143,17 @@ void CommandLine::readCommand(QStringList words, bool helpWanted)
             fail(QStringLiteral("a command is missing; see vela --help"));
         return;
     }
-    const QString name = words.takeFirst();
-    m_command = findCommand(name);
-    if (!m_command)
-        return fail(QStringLiteral("there is no command \"%1\"; see vela --help").arg(name));
+    m_command = findCommand(words);
+    if (!m_command) {
+        const QString known = commandsBehind(words.first()).join(QStringLiteral(", "));
+        return fail(
+            known.isEmpty()
+                ? QStringLiteral("there is no command \"%1\"; see vela --help").arg(words.first())
+                : QStringLiteral("vela %1: one of these has to follow: %2")
+                      .arg(words.first(), known));
+    }
+    const QString name = text(m_command->name);
+    words = words.mid(name.count(QLatin1Char(' ')) + 1);
     if (helpWanted) {
         m_kind = ShowCommandHelp;
         return;

@@ -14,8 +14,18 @@ enum CallOption {
     Quiet = 4,
     Check = 8,
     IndentOnly = 16,
-    Ticks = 32, ///< has a value, as the next one
-    InFile = 64
+    Ticks = 32, ///< has a value, as those up to Speed
+    InFile = 64,
+    WithPalette = 128,
+    ColorCount = 256,
+    Scale = 512,
+    Filter = 1024,
+    Rotate = 2048,
+    Format = 4096,
+    Speed = 8192,
+    Crop = 16384,
+    SharedPalette = 32768,
+    Once = 65536
 };
 Q_DECLARE_FLAGS(CallOptions, CallOption)
 
@@ -31,7 +41,7 @@ struct Call
 /// One command of the program.
 struct Command
 {
-    const char *name;
+    const char *name; ///< a word, or two with a blank between
     /// Their names as help shows them, separated by blanks; "..." behind the last one lets it come
     /// several times.
     const char *arguments;

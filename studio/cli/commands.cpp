@@ -97,17 +97,96 @@ const std::vector<Command> &commands()
          "Saves the project below FOLDER, which must be empty or not exist, and compares the\n"
          "copies with the originals.",
          runSaveAs},
+        {"convert",
+         "IN OUT",
+         {},
+         WithPalette | ColorCount | Scale | Filter | Rotate | Crop | DryRun | Quiet,
+         "convert an image or a palette",
+         "The formats are told by what follows the last dot of the names. Images: PNG, BMP, GIF,\n"
+         "PCX, and what engines add. Palettes: ACT, to be read also ACO, ASE, PAL (RIFF or JASC)\n"
+         "and TXT (Painter). An image of colors written as ACT leaves its palette there.\n\n"
+         "The image is changed in this order: --crop, --scale, --rotate, then --palette or\n"
+         "--colors. Filters are nearest (unless told otherwise), bilinear, epx-nearest,\n"
+         "epx-bilinear, hq-nearest and hq-bilinear.\n\n"
+         "An image with a palette keeps its colors, their order and its transparent color: scaled\n"
+         "and rotated pixels are made of the same colors. What a rotation adds is transparent, or\n"
+         "else has the color 0. With --palette the colors keep FILE's order, too; what cannot be\n"
+         "seen gets its transparent color, or else the color 0, which no other pixel has then.\n"
+         "With --colors the transparent color is the first of the N, unless the image has a\n"
+         "palette and uses none but its first N colors: those stay as they are.\n\n"
+         "A GIF holds a palette only. One of a single image has its transparent color as its\n"
+         "background, which other programs show; of one that is read the first image is taken,\n"
+         "its background as transparent. OUT may be IN, and is replaced in one step.",
+         runConvert},
+        {"sprites list",
+         "FILE",
+         {},
+         Json,
+         "list the sprites of a sprites file",
+         "Prints one line for each sprite: its two numbers, its size, its bits a pixel, its axis,\n"
+         "and the number of its palette, from 0, or \"-\".",
+         runSpritesList},
+        {"sprites export",
+         "FILE FOLDER",
+         {},
+         Format | DryRun | Quiet,
+         "write the sprites of a file as images",
+         "Writes each sprite to FOLDER/GROUP_IMAGE.png, or what --format says, and prints the\n"
+         "names of the images. FOLDER is made if it is not there; images of these names are\n"
+         "replaced. Of sprites with the same two numbers the second one gets \"-2\" behind its\n"
+         "name, and so on. A PNG holds the axis, as the offset of its picture; other formats do\n"
+         "not.",
+         runSpritesExport},
+        {"sprites import",
+         "FILE IMAGE...",
+         {},
+         DryRun | Quiet,
+         "put images into a sprites file",
+         "Images that are called GROUP_IMAGE, as in 0_1.png, replace the sprite of these two\n"
+         "numbers in its place, or become a new one; a replaced sprite keeps its axis unless the\n"
+         "image has an offset of its own. Other images come behind them, with the next free\n"
+         "numbers. FILE is made if it is not there, and saved once, at the end. An image that\n"
+         "cannot be read is left out, and the exit status is 2. Prints the numbers and the image\n"
+         "of each sprite.",
+         runSpritesImport},
+        {"gif",
+         "PROJECT ID OUT",
+         {},
+         InFile | Scale | Speed | SharedPalette | Once | DryRun | Quiet,
+         "write an animation as a GIF",
+         "Writes the animation with the identifier ID, the axes of its sprites in one place, "
+         "moved\n"
+         "by the offsets of the frames. Flips and scales are applied; angles and blending are "
+         "not,\n"
+         "and a warning tells so. Of an image with a palette the transparent color, or else the\n"
+         "color 0, is not seen. Frames of 0 ticks are left out. The animation begins again at its\n"
+         "first frame, whatever its loop point, unless --once is given or a frame never ends:\n"
+         "that is the last one then. Where several files have the animation, --file takes one of\n"
+         "those that \"vela animations\" prints.",
+         runGif},
     };
     return all;
 }
 
-const Command *findCommand(const QString &name)
+const Command *findCommand(const QStringList &words)
 {
     const auto &all = commands();
-    const auto found = std::find_if(all.begin(), all.end(), [&name](const Command &command) {
-        return name == QLatin1String(command.name);
+    const auto found = std::find_if(all.begin(), all.end(), [&words](const Command &command) {
+        const QStringList name = QString::fromUtf8(command.name).split(QLatin1Char(' '));
+        return name == words.mid(0, name.size());
     });
     return found == all.end() ? nullptr : &*found;
+}
+
+QStringList commandsBehind(const QString &word)
+{
+    QStringList result;
+    for (const Command &command : commands()) {
+        const QStringList name = QString::fromUtf8(command.name).split(QLatin1Char(' '));
+        if (name.size() > 1 && name.first() == word)
+            result.append(name.at(1));
+    }
+    return result;
 }
 
 } // namespace Studio

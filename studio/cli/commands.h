@@ -10,8 +10,10 @@ namespace Studio {
 /// Returns the commands in the order of the help text.
 const std::vector<Command> &commands();
 
-/// Returns null for a name that no command has.
-const Command *findCommand(const QString &name);
+/// Returns the command whose name the words of a call, at least one, begin with; null for none.
+const Command *findCommand(const QStringList &words);
+/// Returns the second words of the commands that have two and \a word for the first.
+QStringList commandsBehind(const QString &word);
 
 // What the commands do. Each returns an ExitCode.
 int runInfo(const Call &call);
@@ -24,5 +26,10 @@ int runBackup(const Call &call);
 int runBackups(const Call &call);
 int runRestore(const Call &call);
 int runSaveAs(const Call &call);
+int runConvert(const Call &call);
+int runSpritesList(const Call &call);
+int runSpritesExport(const Call &call);
+int runSpritesImport(const Call &call);
+int runGif(const Call &call);
 
 } // namespace Studio

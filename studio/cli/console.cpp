@@ -42,6 +42,12 @@ void Console::report(const QString &text)
     write(stderr, "vela: " + text.toUtf8() + '\n');
 }
 
+int Console::fail(const QString &reason)
+{
+    report(reason);
+    return Failed;
+}
+
 bool Console::finish()
 {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;

@@ -23,6 +23,8 @@ public:
     static void print(const QList<QStringList> &rows);
     /// Writes \a text and a line end to standard error, behind the program's name.
     static void report(const QString &text);
+    /// Reports why a command cannot be done, and returns Failed.
+    static int fail(const QString &reason);
     /// Returns whether all output has arrived; false where standard output is full or closed.
     static bool finish();
 };

@@ -5,15 +5,18 @@
 #include "studio/progress.h"
 
 #include <cstdio>
+#include <unistd.h>
 
 namespace Studio {
 
-ConsoleHost::ConsoleHost()
+ConsoleHost::ConsoleHost(bool isQuiet)
     : Host(Folders())
     , m_options{{QStringLiteral("enable_file_watcher"), false}}
 {
     m_errorOutput.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered);
-    auto progress = std::make_unique<ConsoleProgress>(m_errorOutput, ConsoleProgress::ErrorsOnly);
+    const bool isShown = !isQuiet && isatty(fileno(stderr));
+    auto progress = std::make_unique<ConsoleProgress>(
+        m_errorOutput, isShown ? ConsoleProgress::Progress : ConsoleProgress::ErrorsOnly);
     m_progress = progress.get();
     setProgressProvider(std::move(progress));
 }

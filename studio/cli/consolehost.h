@@ -10,14 +10,15 @@ namespace Studio {
 
 class ConsoleProgress;
 
-/// The host of the command line: Vela Studio's, with the user's settings to read only, progress
-/// and texts on standard error, and no watching of files.
+/// The host of the command line: Vela Studio's, with the user's settings to read only, texts on
+/// standard error, progress there too if it is a terminal, and no watching of files.
 class ConsoleHost : public Host
 {
     Q_OBJECT
 
 public:
-    ConsoleHost();
+    /// A quiet one shows no progress.
+    explicit ConsoleHost(bool isQuiet);
     ~ConsoleHost() override;
 
     /// Returns whether a job has reported an error.

@@ -14,12 +14,6 @@ namespace Studio {
 
 namespace {
 
-int failed(const QString &reason)
-{
-    Console::report(reason);
-    return Failed;
-}
-
 /// Returns whether there are no errors.
 bool reportFindings(const CopyResult &result, const Call &call)
 {
@@ -79,7 +73,7 @@ int runBackup(const Call &call)
 {
     const QString name = call.arguments.at(1);
     if (!Backups::isValidLabel(name))
-        return failed(QStringLiteral("\"%1\" cannot be the name of a backup").arg(name));
+        return Console::fail(QStringLiteral("\"%1\" cannot be the name of a backup").arg(name));
     const std::unique_ptr<ProjectSession> session = openProject(call.arguments.first());
     if (!session)
         return Failed;
@@ -117,10 +111,10 @@ int runRestore(const Call &call)
     Backup backup;
     QString error;
     if (!session->findBackup(call.arguments.at(1), &backup, &error))
-        return failed(error);
+        return Console::fail(error);
     const QStringList files = ProjectSession::backupFiles(backup, &error);
     if (files.isEmpty())
-        return failed(error);
+        return Console::fail(error);
     if (call.options.testFlag(DryRun)) {
         printPlan(call, files);
         return Done;
@@ -140,13 +134,13 @@ int runSaveAs(const Call &call)
     const QStringList errors =
         session->parent()->isGame() ? QStringList() : session->openAllProjects();
     if (!errors.isEmpty())
-        return failed(errors.join(QLatin1Char('\n')));
+        return Console::fail(errors.join(QLatin1Char('\n')));
     const QString folder = ProjectSession::normalizedPath(call.arguments.at(1));
     if (folder.isEmpty())
-        return failed(QStringLiteral("the name of the folder is empty"));
+        return Console::fail(QStringLiteral("the name of the folder is empty"));
     const QFileInfo target(folder);
     if (target.exists() && !(target.isDir() && QDir(folder).isEmpty()))
-        return failed(QStringLiteral("%1: is not an empty folder").arg(folder));
+        return Console::fail(QStringLiteral("%1: is not an empty folder").arg(folder));
     if (call.options.testFlag(DryRun))
         return planCopy(*session, call);
     return finish(session->saveAs(folder, createJob("Save as").get()), call, folder);

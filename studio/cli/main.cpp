@@ -34,7 +34,7 @@ void onMessage(QtMsgType type, const QMessageLogContext &, const QString &text)
 
 int run(const CommandLine &line)
 {
-    ConsoleHost host;
+    ConsoleHost host(line.call().options.testFlag(Quiet));
     Vela::TextCodecs::initialize();
     const QString folder =
         line.extensions().isEmpty() ? host.folders().extensionsFolder() : line.extensions();

@@ -470,9 +470,9 @@ private Q_SLOTS:
         job->error(QStringLiteral("no room"));
         job->setValue(9);
         job.reset();
-        QCOMPARE(
-            buffer.data(),
-            QByteArray("Saving\nSaving: 20 %\nSaving: 50 %\nSaving: no room\nSaving: 100 %\n"));
+        QCOMPARE(buffer.data(),
+                 QByteArray("\rSaving: 20 %\rSaving: 50 %\r\x1b[KSaving: no room\n"
+                            "\rSaving: 100 %\r\x1b[K"));
         QCOMPARE(provider.errors(), QStringList(QStringLiteral("Saving: no room")));
     }
 

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+#include "image/imageoperations.h"
+#include "studio/cli/colorreduction.h"
+#include "studio/cli/commands.h"
+#include "studio/cli/console.h"
+
+#include <QRegularExpression>
+#include <QTransform>
+#include <QtMath>
+
+#include <cmath>
+#include <optional>
+
+namespace Studio {
+
+namespace {
+
+const struct
+{
+    const char *name;
+    Vela::ImageResizeFilter filter;
+} filters[] = {
+    {"nearest", Vela::NearestFilter},        {"bilinear", Vela::BilinearFilter},
+    {"epx-nearest", Vela::EpxNearestFilter}, {"epx-bilinear", Vela::EpxBilinearFilter},
+    {"hq-nearest", Vela::HqNearestFilter},   {"hq-bilinear", Vela::HqBilinearFilter},
+};
+
+constexpr CallOptions imageOptions = Crop | Scale | Filter | Rotate | WithPalette | ColorCount;
+
+/// What a call asks to do with an image, in the order in which it is done.
+struct Changes
+{
+    bool isCropped = false;
+    QSize size; ///< invalid to keep that of the image
+    Vela::ImageResizeFilter filter = Vela::NearestFilter;
+    double degrees = 0;
+    std::optional<ColorTable> palette;
+    int colors = 0; ///< 0 to keep them
+};
+
+bool readSize(const QString &text, QSize *size)
+{
+    static const QRegularExpression pattern(QStringLiteral("^(\\d{1,5})x(\\d{1,5})$"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = pattern.match(text);
+    *size = QSize(match.captured(1).toInt(), match.captured(2).toInt());
+    return match.hasMatch() && !size->isEmpty() && size->width() <= 0xFFFF
+        && size->height() <= 0xFFFF;
+}
+
+bool readFilter(const QString &text, Vela::ImageResizeFilter *filter)
+{
+    for (const auto &known : filters) {
+        if (text != QLatin1String(known.name))
+            continue;
+        *filter = known.filter;
+        return true;
+    }
+    return false;
+}
+
+bool readColors(const QString &text, int *colors)
+{
+    bool isNumber = false;
+    *colors = text.toInt(&isNumber);
+    return isNumber && *colors >= 2 && *colors <= 256;
+}
+
+bool readDegrees(const QString &text, double *degrees)
+{
+    bool isNumber = false;
+    *degrees = text.toDouble(&isNumber);
+    return isNumber && std::abs(*degrees) <= 3600;
+}
+
+/// Reads the options of a call. Returns false with a reason for the user.
+bool readChanges(const Call &call, Changes *changes, QString *error)
+{
+    const auto has = [&call](CallOption option) { return call.options.testFlag(option); };
+    changes->isCropped = has(Crop);
+    if (has(Scale) && !readSize(call.values.value(Scale), &changes->size))
+        *error = QStringLiteral("--scale needs a size such as 64x48, each side from 1 to 65535");
+    else if (has(Filter) && !has(Scale))
+        *error = QStringLiteral("--filter needs --scale");
+    else if (has(Filter) && !readFilter(call.values.value(Filter), &changes->filter))
+        *error = QStringLiteral("--filter needs one of nearest, bilinear, epx-nearest, "
+                                "epx-bilinear, hq-nearest, hq-bilinear");
+    else if (has(Rotate) && !readDegrees(call.values.value(Rotate), &changes->degrees))
+        *error = QStringLiteral("--rotate needs a number of degrees from -3600 to 3600");
+    else if (has(WithPalette) && has(ColorCount))
+        *error = QStringLiteral("--palette and --colors cannot be given together");
+    else if (has(ColorCount) && !readColors(call.values.value(ColorCount), &changes->colors))
+        *error = QStringLiteral("--colors needs a number from 2 to 256");
+    else if (has(WithPalette))
+        changes->palette.emplace().read(call.values.value(WithPalette), error);
+    return error->isEmpty();
+}
+
+QImage scaled(const QImage &image, QSize size, Vela::ImageResizeFilter filter)
+{
+    ColorTable table = ColorTable::ofImage(image);
+    QImage result = Vela::resizeImage(image, size, table.colors, filter);
+    result.setColorTable(image.colorTable());
+    return result;
+}
+
+/// Quarter turns keep each pixel.
+QImage rotated(const QImage &image, double degrees)
+{
+    if (std::fmod(degrees, 90) == 0)
+        return image.transformed(QTransform().rotate(degrees));
+    const bool isIndexed = image.format() == QImage::Format_Indexed8;
+    const int fill = isIndexed ? qMax(0, transparentColor(image.colorTable())) : 0;
+    const QImage source = isIndexed ? image : image.convertToFormat(QImage::Format_ARGB32);
+    QImage result = Vela::rotateImage(source, float(qDegreesToRadians(degrees)), unsigned(fill));
+    result.setColorTable(image.colorTable());
+    return result;
+}
+
+/// Returns a null image where memory does not hold the result.
+QImage changed(QImage image, const Changes &changes)
+{
+    if (changes.isCropped)
+        Vela::cropImage(image, nullptr, 0);
+    if (changes.size.isValid())
+        image = scaled(image, changes.size, changes.filter);
+    if (changes.degrees != 0)
+        image = rotated(image, changes.degrees);
+    if (changes.palette)
+        image = fittedToPalette(image, *changes.palette);
+    if (changes.colors > 0)
+        image = reducedToColors(image, changes.colors);
+    return image;
+}
+
+bool hasTransparency(const QImage &image)
+{
+    if (!image.hasAlphaChannel())
+        return false;
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < argb.height(); ++y) {
+        const auto *const row = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
+        if (std::any_of(row, row + argb.width(), [](QRgb color) { return qAlpha(color) < 255; }))
+            return true;
+    }
+    return false;
+}
+
+bool encodePaletteOf(const QImage &image, const QByteArray &format, QByteArray *bytes,
+                     QString *error)
+{
+    if (image.format() == QImage::Format_Indexed8)
+        return ColorTable::ofImage(image).encode(format, bytes, error);
+    *error = QStringLiteral("the image has no palette; --colors or --palette gives it one");
+    return false;
+}
+
+bool convertImage(const Call &call, const Changes &changes, const ImageFormat &to,
+                  QByteArray *bytes, QString *error)
+{
+    const QString out = call.arguments.at(1);
+    QImage image = readImage(call.arguments.first(), error);
+    if (image.isNull())
+        return false;
+    image = changed(image, changes);
+    if (image.isNull()) {
+        *error = QStringLiteral("%1: would be too large, or empty").arg(out);
+        return false;
+    }
+    const bool isEncoded = to.savesImages ? encodeImage(image, to.word, bytes, error)
+                                          : encodePaletteOf(image, to.word, bytes, error);
+    if (!isEncoded) {
+        *error = QStringLiteral("%1: %2").arg(out, *error);
+        if (to.word == "GIF" && image.format() != QImage::Format_Indexed8)
+            *error += QStringLiteral("; --colors or --palette gives it one");
+    } else if (to.word == "BMP" && hasTransparency(image) && !call.options.testFlag(Quiet)) {
+        Console::report(QStringLiteral("warning: %1: a BMP holds no transparency").arg(out));
+    }
+    return isEncoded;
+}
+
+bool convertPalette(const Call &call, const ImageFormat &to, QByteArray *bytes, QString *error)
+{
+    ColorTable table;
+    if (!to.savesPalettes)
+        *error =
+            QStringLiteral("%1: a palette cannot be written as an image").arg(call.arguments.at(1));
+    else if (call.options & imageOptions)
+        *error = QStringLiteral("%1: is a palette, which --crop, --scale, --rotate, --palette and "
+                                "--colors do not change")
+                     .arg(call.arguments.first());
+    return error->isEmpty() && table.read(call.arguments.first(), error)
+        && table.encode(to.word, bytes, error);
+}
+
+bool convert(const Call &call, QByteArray *bytes, QString *error)
+{
+    const ImageFormat from = ImageFormat::ofFile(call.arguments.first());
+    const ImageFormat to = ImageFormat::ofFile(call.arguments.at(1));
+    if (!to.savesImages && !to.savesPalettes) {
+        *error =
+            QStringLiteral("%1: is of no format that can be written").arg(call.arguments.at(1));
+        return false;
+    }
+    Changes changes;
+    if (!readChanges(call, &changes, error))
+        return false;
+    if (from.loadsPalettes && !from.loadsImages)
+        return convertPalette(call, to, bytes, error);
+    return convertImage(call, changes, to, bytes, error);
+}
+
+} // namespace
+
+int runConvert(const Call &call)
+{
+    const QString out = call.arguments.at(1);
+    QByteArray bytes;
+    QString error;
+    if (!convert(call, &bytes, &error))
+        return Console::fail(error);
+    return finishFile(call, out, bytes);
+}
+
+} // namespace Studio
