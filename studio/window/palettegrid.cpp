@@ -83,7 +83,8 @@ bool PaletteGrid::event(QEvent *event)
     return true;
 }
 
-// A colour that is not opaque shows the ground in its lower half.
+// A colour that is not opaque shows the ground in its lower half; what cannot be seen shows nothing
+// else.
 void PaletteGrid::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
@@ -92,8 +93,9 @@ void PaletteGrid::paintEvent(QPaintEvent *)
         const QColor color = QColor::fromRgba(m_colors.at(i));
         painter.fillRect(area, palette().color(QPalette::Base));
         painter.fillRect(area, color);
-        painter.fillRect(QRect(area.topLeft(), QSize(area.width(), area.height() / 2)),
-                         QColor(color.rgb()));
+        if (color.alpha() > 0)
+            painter.fillRect(QRect(area.topLeft(), QSize(area.width(), area.height() / 2)),
+                             QColor(color.rgb()));
         painter.setPen(palette().color(QPalette::Window));
         painter.drawRect(area.adjusted(0, 0, -1, -1));
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/screenshottour.h"
 
+#include "image/sprites.h"
 #include "project/parentproject.h"
 #include "project/project.h"
 #include "studio/host.h"
@@ -20,6 +21,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QListView>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QScreen>
@@ -76,11 +78,39 @@ void ScreenshotTour::showProject()
     take(QStringLiteral("project"));
     showMessage();
     showText();
-    if (selectFile(Vela::Project::Sprites))
-        take(QStringLiteral("image"));
+    showPictures();
     makeBackup();
     editProperty(QStringLiteral("Encoding"), QStringLiteral("UTF-16"));
     take(QStringLiteral("unsaved"));
+}
+
+void ScreenshotTour::showPictures()
+{
+    const Vela::ProjectFile *image = nullptr;
+    const Vela::Sprites *most = nullptr;
+    const QList<Vela::Project *> projects = sortedProjects(parentProject());
+    for (const Vela::Project *project : projects) {
+        const QList<Vela::ProjectFile *> files = project->filesByType(Vela::Project::Sprites);
+        for (const Vela::ProjectFile *file : files) {
+            const auto *sprites = dynamic_cast<const Vela::Sprites *>(file);
+            if (!sprites)
+                image = file;
+            else if (!most || sprites->count() > most->count())
+                most = sprites;
+        }
+    }
+    if (most) {
+        m_window.setCurrentFile(m_window.files().path(most));
+        auto *list = m_window.findChild<QListView *>(QStringLiteral("spriteList"));
+        list->setCurrentIndex(list->model()->index(list->model()->rowCount() / 2, 0));
+        settle();
+        take(QStringLiteral("sprites"));
+    }
+    if (image) {
+        m_window.setCurrentFile(m_window.files().path(image));
+        settle();
+        take(QStringLiteral("image"));
+    }
 }
 
 void ScreenshotTour::showMessage()
@@ -118,7 +148,7 @@ void ScreenshotTour::showText()
 void ScreenshotTour::showEditing(QPlainTextEdit &text)
 {
     text.setFocus();
-    goToPlace(text, lineWith(text, QStringLiteral("frame idle")), 0);
+    goToPlace(text, lineWith(text, QStringLiteral("frame ")), 0);
     settle();
     take(QStringLiteral("property-panel"));
     m_window.host().action("code_fold_all")->trigger();
@@ -140,7 +170,7 @@ void ScreenshotTour::showEditing(QPlainTextEdit &text)
     takeDialog(QStringLiteral("snippet-editor"), "code_snippet_edit");
 
     m_window.host().action("replace")->trigger();
-    m_window.findChild<QLineEdit *>(QStringLiteral("findText"))->setText(QStringLiteral("idle"));
+    m_window.findChild<QLineEdit *>(QStringLiteral("findText"))->setText(QStringLiteral("body"));
     m_window.host().action("find_next")->trigger();
     m_window.findChild<QToolButton *>(QStringLiteral("findEverywhere"))->click();
     settle();

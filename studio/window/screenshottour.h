@@ -46,6 +46,7 @@ private:
                     int page = 0);
     void makeBackup();
     /// Writes a value that is wrong, goes to the message about it, and takes it back.
+    void showPictures();
     void showMessage();
     /// Makes the main file of the last project current and changes one of its properties.
     void editProperty(const QString &name, const QString &value);

@@ -14,7 +14,7 @@ namespace Studio {
 namespace {
 
 constexpr int Slice = 8;           // ms of work between two looks at what else there is to do
-constexpr int KeptPictures = 4000; // of 16 KB each, at 64 pixels a side
+constexpr int KeptPictures = 4000; // of 25 KB each, at 80 pixels a side
 constexpr int LongestQueue = 400;  // more than fit on a screen
 
 } // namespace

@@ -48,7 +48,7 @@ private:
 
     QPointer<Vela::Sprites> m_sprites;
     int m_count = 0;
-    int m_side = 64;
+    int m_side = 80;
     qreal m_ratio = 1;
     mutable QCache<int, QPixmap> m_pictures;
     mutable QVector<int> m_wanted; // rows, the most urgent one last

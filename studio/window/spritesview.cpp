@@ -22,8 +22,8 @@ namespace Studio {
 
 namespace {
 
-constexpr int PictureSide = 64;
-constexpr int CellWidth = 92;
+constexpr int PictureSide = 80;
+constexpr int CellWidth = 104;
 constexpr int Space = 8;
 
 QVector<QRgb> colorsOf(const Vela::Sprite *sprite)
