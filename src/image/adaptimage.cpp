@@ -151,7 +151,7 @@ unsigned char Matcher::findTranslucent(QRgb color) const
 template <typename Pixel, typename ColorOf>
 QImage matched(const QImage &image, const RGBA *palette, ColorOf colorOf)
 {
-    QImage target = makePlainImage(image.size(), QImage::Format_Indexed8);
+    QImage target = makeImage(image.size(), QImage::Format_Indexed8);
     if (target.isNull())
         return target;
     Matcher matcher(palette);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "image/pixels_p.h"
 #include "image/pixelscaling.h"
 
 #include <array>
@@ -307,7 +308,7 @@ QImage scaleEPX(const QImage &image, int factor)
 {
     if (factor != 2 && factor != 3)
         return {};
-    QImage target(image.size() * factor, image.format());
+    QImage target = makeEnlargedImage(image.size(), factor, image.format());
     if (target.isNull())
         return {};
     switch (image.depth()) {

@@ -2,6 +2,7 @@
 #include "image/gifimage.h"
 
 #include "image/devicebytes_p.h"
+#include "image/pixels_p.h"
 #include "image/spritecodec_p.h"
 
 #include <gif_lib.h>
@@ -197,7 +198,7 @@ bool Reader::readImage()
     if (pixels == 0 || pixels * 3 > dataSize(m_source.next, m_source.end) * pixelsOfThreeBytes)
         return false;
     GIFImage::SubImage frame;
-    frame.image = QImage(header.Width, header.Height, QImage::Format_Indexed8);
+    frame.image = makeImage(QSize(header.Width, header.Height), QImage::Format_Indexed8);
     if (frame.image.isNull())
         return false;
     const bool whole = readPixels(frame.image);
@@ -264,8 +265,9 @@ bool isIndexed(QImage::Format format)
 
 bool writePixels(GifFileType *file, const GIFImage::SubImage &frame)
 {
+    constexpr int largestSide = 0xFFFF;
     const QImage &image = frame.image;
-    if (!isIndexed(image.format()))
+    if (!isIndexed(image.format()) || image.width() > largestSide || image.height() > largestSide)
         return false;
     const ColorMap map = toColorMap(frame.colorMap);
     // giflib loses the map of the frame before if this one has none.

@@ -12,7 +12,6 @@
 #include <QDataStream>
 #include <QtEndian>
 
-#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -157,8 +156,6 @@ void loadFirstFrame(QIODevice *device, QImage &image)
 
 bool saveFrame(QIODevice *device, const QImage &image)
 {
-    if (image.width() > 0xFFFF || image.height() > 0xFFFF)
-        return false;
     GIFImage gif(quint16(image.width()), quint16(image.height()), false);
     GIFImage::SubImage frame;
     frame.image = image;

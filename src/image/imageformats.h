@@ -32,7 +32,8 @@ VELA_EXPORT const char *imageFileExtension(ImageExtensionType type);
 
 /// Reads an image. \a format is "PNG", "BMP", "GIF", "PCX" or the word of an ImageLoader. The
 /// device has to be readable. On failure \a image may be null or hold what was decoded; the result
-/// is whether it holds anything.
+/// is whether it holds anything. A GIF gives its first frame, in the colours of the whole file
+/// where it has some, else in the frame's own.
 VELA_EXPORT bool loadImage(QIODevice *device, const char *format, QImage &image);
 
 /// Writes an image. \a format is "PNG", "BMP", "GIF", "PCX" or the word of an ImageSaver. The

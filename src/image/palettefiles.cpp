@@ -3,7 +3,7 @@
 //
 // Published descriptions: Adobe Color Table and Color Swatch by Adobe ("Photoshop File Formats"),
 // RIFF palettes by Microsoft and IBM ("Multimedia Programming Interface and Data Specifications").
-#include "engine/extensionmanager.h"
+#include "engine/tryextensions_p.h"
 #include "image/imageextension.h"
 #include "image/imageformats.h"
 #include "image/paletteobject.h"
@@ -267,26 +267,6 @@ bool readSwatchExchange(QIODevice *device, Table &table)
     return true;
 }
 
-bool loadByExtension(QIODevice *device, const char *format, Table &table)
-{
-    for (Extension *extension : ExtensionManager::list(Extension::PaletteLoader)) {
-        if (qstrcmp(extension->format(), format) == 0
-            && static_cast<PaletteLoader *>(extension)->load(device, table))
-            return true;
-    }
-    return false;
-}
-
-bool saveByExtension(QIODevice *device, const char *format, const Table &table)
-{
-    for (Extension *extension : ExtensionManager::list(Extension::PaletteSaver)) {
-        if (qstrcmp(extension->format(), format) == 0
-            && static_cast<PaletteSaver *>(extension)->save(table, device))
-            return true;
-    }
-    return false;
-}
-
 bool readBySignature(QIODevice *device, const char *format, Table &table)
 {
     std::fill(std::begin(table), std::end(table), RGBA());
@@ -299,7 +279,9 @@ bool readBySignature(QIODevice *device, const char *format, Table &table)
         return readSwatchExchange(device, table);
     if (signature == "ROWS")
         return readPainter(device, table);
-    return loadByExtension(device, format, table);
+    return tryExtensions<PaletteLoader>(
+        Extension::PaletteLoader, format,
+        [&](PaletteLoader *loader) { return loader->load(device, table); });
 }
 
 bool readPalette(QIODevice *device, const char *format, Table &table)
@@ -332,8 +314,11 @@ bool PaletteObject::toFile(QIODevice *device, const char *format)
 {
     if (!device || !device->isWritable())
         return false;
-    return qstrcmp(format, "ACT") == 0 ? writeACT(device, *m_palette)
-                                       : saveByExtension(device, format, *m_palette);
+    if (qstrcmp(format, "ACT") == 0)
+        return writeACT(device, *m_palette);
+    return tryExtensions<PaletteSaver>(Extension::PaletteSaver, format, [&](PaletteSaver *saver) {
+        return saver->save(*m_palette, device);
+    });
 }
 
 } // namespace Vela

@@ -2,6 +2,7 @@
 #include "image/devicebytes_p.h"
 #include "image/imageformats.h"
 #include "image/pcxheader_p.h"
+#include "image/pixels_p.h"
 #include "image/spritecodec_p.h"
 
 #include <QtEndian>
@@ -225,7 +226,7 @@ bool loadPCX(QImage &image, QIODevice *device, bool *hasPalette)
     if (!canHold(end - packetsAt, header, size))
         image = QImage();
     else if (image.size() != size || image.format() != header.format)
-        image = QImage(size, header.format);
+        image = makeImage(size, header.format);
     PacketReader packets(packetsAt, end, header.planes * header.lineLength);
     if (image.isNull() || !readPixels(image, header, packets)) {
         image = QImage();

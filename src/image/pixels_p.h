@@ -25,14 +25,24 @@ inline QImage withPlainPixels(const QImage &image)
     }
 }
 
-/// Returns an image, of plain pixels as above, whose content is undefined; a null one for an empty
-/// size and where it would take more than 2 GiB, which QImage would try to have.
-inline QImage makePlainImage(QSize size, QImage::Format format)
+/// Returns an image whose content is undefined; a null one for an empty size and where it would
+/// take more than 2 GiB, which QImage would try to have.
+inline QImage makeImage(QSize size, QImage::Format format)
 {
-    const qint64 lineBytes = qint64(size.width()) * (format == QImage::Format_Indexed8 ? 1 : 4);
+    const qint64 lineBits = qint64(size.width()) * QImage::toPixelFormat(format).bitsPerPixel();
+    const qint64 lineBytes = (lineBits + 31) / 32 * 4;
     if (size.isEmpty() || lineBytes > std::numeric_limits<int>::max() / size.height())
         return {};
     return QImage(size, format);
+}
+
+/// The same for an image that is so many times as wide and as high.
+inline QImage makeEnlargedImage(QSize size, int times, QImage::Format format)
+{
+    const int most = std::numeric_limits<int>::max() / times;
+    if (size.width() > most || size.height() > most)
+        return {};
+    return makeImage(QSize(size.width() * times, size.height() * times), format);
 }
 
 template <typename Pixel>

@@ -10,7 +10,7 @@ namespace Vela {
 /// Enlarges an image of one or four bytes a pixel by \a factor, 2 or 3, without new colours. The
 /// rules are EPX (Eric Johnston, 1992), published again as Scale2x, and Scale3x (Andrea Mazzoleni,
 /// 2001), on raw values; a neighbour outside of the image counts as the pixel itself. The colour
-/// table is not copied. Any other depth or factor gives a null image.
+/// table is not copied. Any other depth or factor gives a null image, as does more than 2 GiB.
 VELA_EXPORT QImage scaleEPX(const QImage &image, int factor);
 
 /// Enlarges a picture by \a factor, 2, 3 or 4, with the hq2x, hq3x or hq4x filter (Maxim Stepin,

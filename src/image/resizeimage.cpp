@@ -6,12 +6,19 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <vector>
 
 namespace Vela {
 
 namespace {
+
+/// Gives the image plain pixels, and returns another one of its format for the result; a null one
+/// where there can be none.
+QImage makeTarget(QImage &image, QSize size)
+{
+    image = withPlainPixels(image);
+    return image.isNull() ? QImage() : makeImage(size, image.format());
+}
 
 /// Returns the pixel of the source for each one of the target. The last ones of a very large target
 /// would lie behind the source: they are its last one.
@@ -133,7 +140,7 @@ QImage enlargeEPX(const QImage &image, float factor)
 
 QImage withPalette(const QImage &scaled, const RGBA *palette)
 {
-    QImage target = makePlainImage(scaled.size(), QImage::Format_Indexed8);
+    QImage target = makeImage(scaled.size(), QImage::Format_Indexed8);
     if (target.isNull())
         return target;
     PaletteIndex index(palette);
@@ -158,9 +165,7 @@ QImage enlargeHQ(const QImage &image, float factor, const RGBA *palette)
         source = source.copy(); // without padding
 
     const int times = factor > 3 ? 4 : factor > 2 ? 3 : 2;
-    if (std::max(source.width(), source.height()) > std::numeric_limits<int>::max() / times)
-        return {};
-    QImage scaled = makePlainImage(source.size() * times, QImage::Format_ARGB32);
+    QImage scaled = makeEnlargedImage(source.size(), times, QImage::Format_ARGB32);
     if (source.isNull() || scaled.isNull())
         return {};
     scaleHQ(times, constPixels<quint32>(source, 0), source.width(), source.height(),
@@ -201,10 +206,7 @@ QImage resizeImage(QImage image, QSize size, RGBA (&palette)[256], ImageResizeFi
 
 QImage resizeImageNearest(QImage image, QSize size)
 {
-    image = withPlainPixels(image);
-    if (image.isNull())
-        return {};
-    QImage target = makePlainImage(size, image.format());
+    QImage target = makeTarget(image, size);
     if (target.isNull())
         return {};
     if (image.format() == QImage::Format_Indexed8)
@@ -216,10 +218,7 @@ QImage resizeImageNearest(QImage image, QSize size)
 
 QImage resizeImageBilinear(QImage image, QSize size, RGBA (&palette)[256])
 {
-    image = withPlainPixels(image);
-    if (image.isNull())
-        return {};
-    QImage target = makePlainImage(size, image.format());
+    QImage target = makeTarget(image, size);
     if (target.isNull())
         return {};
     if (image.format() == QImage::Format_Indexed8) {

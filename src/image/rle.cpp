@@ -24,11 +24,11 @@ qsizetype literals(const uchar *bytes)
 bool decodeRLE8(PacketSource &source, PixelBuffer &pixels)
 {
     while (!pixels.isFull() && source.hasPacket()) {
-        const qsizetype count =
-            qMin(literals(source.next()), qMin(source.available(), pixels.room()));
+        const qsizetype plain = literals(source.next());
+        const qsizetype count = qMin(plain, qMin(source.available(), pixels.room()));
         pixels.append(source.next(), count);
         source.skip(count);
-        if (count == Step || pixels.isFull() || !source.hasPacket())
+        if (count < plain || count == Step || pixels.isFull() || !source.hasPacket())
             continue;
         const int run = source.take() & LongestRun;
         const uchar value = source.take();

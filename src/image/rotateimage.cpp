@@ -64,7 +64,7 @@ QImage rotateImage(QImage image, float radians, unsigned int fill)
         return {};
     const Turn angle{std::cos(radians), std::sin(radians)};
     const QRect rect = turnedRect(image.size(), angle);
-    QImage target = makePlainImage(rect.size(), image.format());
+    QImage target = makeImage(rect.size(), image.format());
     if (target.isNull())
         return {};
     if (image.format() == QImage::Format_Indexed8)

@@ -90,11 +90,12 @@ QVector<RGB> toColors(const QVector<QRgb> &table)
 // 0, which nothing else takes if it is the transparent one.
 void adaptToColors(QImage &image, const QVector<RGB> &colors, qint16 transparent)
 {
-    Table table = {};
-    for (RGBA &color : table)
-        color.a = 255;
-    for (int i = 0; i < qMin(colors.size(), tableSize); ++i)
-        table[i] = {colors[i].r, colors[i].g, colors[i].b, 255};
+    Table table;
+    for (int i = 0; i < tableSize; ++i) {
+        // Behind the colours stands the first one again, which is never nearer than itself.
+        const RGB color = i < colors.size() ? colors[i] : colors.value(0);
+        table[i] = {color.r, color.g, color.b, 255};
+    }
     const QImage source = image;
     adaptImageToPalette(image, table);
     const bool hasAlpha = source.format() == QImage::Format_ARGB32;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "image/sprite.h"
 
+#include "image/pixels_p.h"
+
 #include <QStringList>
 
 #include <cstring>
@@ -51,7 +53,8 @@ QImage Sprite::aligned(QPoint axis, QPoint leftTop, QPoint rightBottom) const
         left >= 0 && top >= 0 && left + source.width() <= width && top + source.height() <= height;
     if (source.isNull() || !holdsSprite || qMax(width, height) > std::numeric_limits<int>::max())
         return {};
-    QImage target(static_cast<int>(width), static_cast<int>(height), source.format());
+    QImage target =
+        makeImage(QSize(static_cast<int>(width), static_cast<int>(height)), source.format());
     if (target.isNull())
         return {};
     target.setColorTable(source.colorTable());

@@ -65,8 +65,8 @@ public:
     ///
     /// \a leftTop holds the greatest distances from an axis to the left and the top of an image,
     /// \a rightBottom those to the right and the bottom; both have to hold this sprite, whose axis
-    /// is \a axis. What no pixel covers is 0. Null for a sprite without an image, and where the
-    /// distances do not hold it.
+    /// is \a axis. What no pixel covers is 0. Null for a sprite without an image, where the
+    /// distances do not hold it, and for more than 2 GiB.
     QImage aligned(QPoint axis, QPoint leftTop, QPoint rightBottom) const;
 
 protected:

@@ -39,13 +39,19 @@ void PacketSource::skipTaken()
     m_device->skip(qMin(m_next, m_end) - m_bytes.get());
 }
 
-// The bytes are peeked at, and left in the device until they are taken.
+// The bytes are peeked at, and left in the device until they are taken. A pipe may give only some
+// of those that are to come; where it has no more, less than a step is the end.
 void PacketSource::fill()
 {
     skipTaken();
     m_next = m_bytes.get();
-    const qint64 count = m_device->peek(reinterpret_cast<char *>(m_next), m_capacity);
-    m_end = m_next + qMax<qint64>(count, 0);
+    qint64 count = 0;
+    qint64 before = 0;
+    do {
+        before = count;
+        count = qMax(before, m_device->peek(reinterpret_cast<char *>(m_next), m_capacity));
+    } while (count > before && count < Step);
+    m_end = m_next + count;
     std::memset(m_end, 0, Step);
 }
 

@@ -389,7 +389,8 @@ void TestGif::whatDoesNotFitIsRefused()
 {
     const QImage image = indexed(oddSize, 4, 1);
     QVERIFY(written(GIFImage(3, 3, true)).isEmpty());
-    for (const QImage &wrong : {QImage(), image.convertToFormat(QImage::Format_RGB32)}) {
+    const QImage wide = wholeImage(QSize(65536, 1), 0, QImage::Format_Indexed8);
+    for (const QImage &wrong : {QImage(), image.convertToFormat(QImage::Format_RGB32), wide}) {
         GIFImage gif(15, 7, false);
         gif.images().append(frameOf(image));
         gif.images().append(frameOf(wrong));
@@ -474,6 +475,7 @@ void TestGif::mixedFramesTakeTheSharedColors()
     const QImage palette = indexed(oddSize, 16, 1);
     QImage colors = wholeImage(oddSize, palette.color(5));
     colors.setPixel(2, 2, palette.color(9));
+    colors.setPixel(3, 3, qRgb(0, 0, 0));
     // Alone, the frame makes its own palette; its colour 0 is for what is transparent.
     const GIFImage own = read(animated({{palette, 0, 0, 1}, {colors, 0, 0, 1}}));
     QCOMPARE(int(own.images().at(1).transparent), 0);
@@ -482,6 +484,8 @@ void TestGif::mixedFramesTakeTheSharedColors()
     QCOMPARE(int(shared.images().at(1).transparent), -1);
     QCOMPARE(shared.images().at(1).image.pixelIndex(0, 0), 5);
     QCOMPARE(shared.images().at(1).image.pixelIndex(2, 2), 9);
+    // The darkest of the 16, and not the black of a table that has room for 256.
+    QCOMPARE(shared.images().at(1).image.pixelIndex(3, 3), 15);
 }
 
 void TestGif::globalColorsServeFramesWithoutOwn()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "image/otherprogram.h"
+#include "image/pipe.h"
 #include "image/samplepixels.h"
 
 #include "engine/extensionmanager.h"
@@ -20,36 +21,6 @@ QByteArray hex(const char *digits)
 {
     return QByteArray::fromHex(digits);
 }
-
-// A device that cannot go back, such as a pipe.
-class Pipe : public QIODevice
-{
-    QByteArray m_bytes;
-
-public:
-    explicit Pipe(const QByteArray &bytes)
-        : m_bytes(bytes)
-    {
-        open(ReadOnly);
-    }
-    bool isSequential() const override
-    {
-        return true;
-    }
-
-protected:
-    qint64 readData(char *to, qint64 most) override
-    {
-        const int count = int(qMin<qint64>(most, qMin(m_bytes.size(), 100)));
-        std::copy_n(m_bytes.constData(), count, to);
-        m_bytes.remove(0, count);
-        return count;
-    }
-    qint64 writeData(const char *, qint64) override
-    {
-        return -1;
-    }
-};
 
 // A device that does not open.
 class DeadDevice : public QBuffer
@@ -372,12 +343,8 @@ void TestImageFormats::damagedPcxGivesNoImage()
     };
     bool untouched = false;
     const QByteArray header = PcxFile{8, 1, 3, 3, 3}.header();
-    for (const char *packets : {"", "010203040506 0708", "010203040506 070809c4", "c403 c2"}) {
-        const QByteArray bytes = header + hex(packets);
-        if (bytes.endsWith('\xC4')) // behind the last row
-            continue;
-        QVERIFY2(!load(bytes, &untouched) && !untouched, packets);
-    }
+    for (const char *packets : {"", "010203040506 0708", "c403 c2"})
+        QVERIFY2(!load(header + hex(packets), &untouched) && !untouched, packets);
     QVERIFY(!load(PcxFile{8, 1, 3, 3, 0}.header() + QByteArray(50, 'a'), &untouched) && !untouched);
     const QByteArray pixels(100, 'a');
     const QByteArray bad[] = {
@@ -620,7 +587,8 @@ void TestImageFormats::devicesNeedNotGoBack()
         sample(isGif ? QImage::Format_Indexed8 : QImage::Format_RGB32, QSize(40, 30));
     const QByteArray file = saved(image, format) + rest;
     QCOMPARE(loaded(file, format).size(), image.size());
-    Pipe pipe(file);
+    Pipe pipe(file, 100);
+    QVERIFY(pipe.open(QIODevice::ReadOnly));
     QImage again;
     QVERIFY(loadImage(&pipe, format, again));
     QCOMPARE(again, loaded(file, format));

@@ -234,6 +234,7 @@ void PixelScalingTest::epxRefusesWhatItCannotScale()
     QVERIFY(scaleEPX(QImage(), 2).isNull());
     QVERIFY(scaleEPX(QImage(3, 3, QImage::Format_Mono), 2).isNull());
     QVERIFY(scaleEPX(QImage(3, 3, QImage::Format_ARGB32), 4).isNull());
+    QVERIFY(scaleEPX(QImage(30000, 30000, QImage::Format_Indexed8), 2).isNull());
 }
 
 void PixelScalingTest::hqByHand_data()

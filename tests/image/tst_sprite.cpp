@@ -248,6 +248,7 @@ void TestSprite::alignedRefusesWhatDoesNotFit_data()
     row("bottom", {0, 0}, {1, 1}, {9, 1});
     row("no size", {0, 0}, {0, 0}, {0, 0});
     row("negative size", {0, 0}, {5, 5}, {-9, -9});
+    row("more than 2 GiB", {0, 0}, {0, 0}, {30000, 30000});
     row("largest numbers", {INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, {INT_MAX, INT_MAX});
     row("largest size", {0, 0}, {INT_MAX, INT_MAX}, {INT_MAX, INT_MAX});
     row("smallest numbers", {INT_MAX, INT_MAX}, {INT_MIN, INT_MIN}, {INT_MIN, INT_MIN});
