@@ -4,9 +4,16 @@
 #include "frame/jobstats.h"
 #include "image/sprites.h"
 
+#include <QCoreApplication>
+
 namespace Lantern {
 
 namespace {
+
+struct Texts
+{
+    Q_DECLARE_TR_FUNCTIONS(Lantern)
+};
 
 bool fail(const QString &text, Vela::JobStats *stats)
 {
@@ -88,12 +95,16 @@ bool ContentFile<Base>::toFile(Vela::Archive &archive, const QString &name, unsi
 {
     QByteArray data;
     QString error;
+    // What could not be read may be mended yet.
+    if (m_isUnreadable && this->isModified() && name == m_name && &archive == &this->archive())
+        return fail(writeFailure(name, Texts::tr("what it holds could not be read")), stats);
     if (!contentBytes(data, error) || !writeAll(archive, name, data, error))
         return fail(error, stats);
     if (!(flags & Base::Copy)) {
         if (isLoaded())
             fileSaved(archive, name, false);
         m_name = name;
+        m_isUnreadable = m_isUnreadable && !this->isModified();
         // The write is over: what is to be left out is this state of the file, and not its next
         // change, which may be somebody else's.
         if (isLoaded())

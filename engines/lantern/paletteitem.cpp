@@ -71,7 +71,7 @@ void PaletteItem::setColorTable(const Vela::RGBA *table, Vela::ShareMode share)
 {
     const QByteArray colors(reinterpret_cast<const char *>(table), 256 * sizeof(Vela::RGBA));
     Value changed = m_value;
-    changed.colors = m_file.keep(colors, Raw, share);
+    changed.colors = m_file.keep(colors, StreamKind::Palette, share);
     if (!changed.colors)
         return;
     const Change change(m_file, Texts::tr("Palette's colors"));

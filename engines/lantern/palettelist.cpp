@@ -65,7 +65,7 @@ void PaletteList::endChange()
 
 unsigned int PaletteList::selected() const
 {
-    return m_selected;
+    return std::min(m_selected, std::max(count(), 1u) - 1);
 }
 
 void PaletteList::setSelected(unsigned int index)
@@ -103,12 +103,12 @@ Vela::Palette *PaletteList::insert(unsigned int index, const Vela::RGBA *table,
             ++value.identifier.image;
     }
     const QByteArray colors(reinterpret_cast<const char *>(table), 256 * sizeof(Vela::RGBA));
-    value.colors = m_file.keep(colors, Raw, share);
+    value.colors = m_file.keep(colors, StreamKind::Palette, share);
     if (!value.colors)
         return nullptr;
     const Change change(m_file, Texts::tr("Add palette"));
     const auto palette = std::make_shared<PaletteItem>(m_file, value);
-    m_file.insertPalette(std::min(index, count()), palette);
+    m_file.insertPalette(index, palette);
     return palette.get();
 }
 

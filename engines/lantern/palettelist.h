@@ -22,6 +22,7 @@ public:
     void beginChange() override;
     void endChange() override;
 
+    /// Never past the end.
     unsigned int selected() const override;
     void setSelected(unsigned int index) override;
     Vela::Sprites *sprites() const override;

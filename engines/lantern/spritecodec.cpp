@@ -31,6 +31,11 @@ bool isTooLarge(const Vela::ImageInfo &info)
     return plainBytes(info) > std::numeric_limits<int>::max() - headBytes;
 }
 
+Vela::ImageInfo infoOf(const QImage &image)
+{
+    return {quint16(image.width()), quint16(image.height()), image.format()};
+}
+
 QByteArray headOf(const Vela::ImageInfo &info)
 {
     QByteArray head(headBytes, 0);
@@ -44,9 +49,12 @@ bool decodePng(const QByteArray &bytes, const Vela::ImageInfo &info, QImage &ima
 {
     QBuffer buffer;
     buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    const Vela::ImageInfo told = Vela::imageInfoFromFile(&buffer, "PNG");
+    if (told.width != info.width || told.height != info.height || !buffer.seek(0))
+        return false;
     QImage loaded;
-    if (!Vela::loadPNG(loaded, &buffer) || loaded.width() != info.width
-        || loaded.height() != info.height)
+    if (!Vela::loadPNG(loaded, &buffer))
         return false;
     const bool isIndexed = info.format == QImage::Format_Indexed8;
     if (isIndexed != (loaded.format() == QImage::Format_Indexed8))
@@ -79,19 +87,26 @@ bool decodeIndices(unsigned int encoding, const QByteArray &bytes, const Vela::I
     }
 }
 
-// Appends the rows without their padding.
+// Appends the rows without their padding. Some readers leave the byte of a pixel that has no
+// opacity as it comes; it becomes 255, so that equal pixels are equal bytes.
 void appendRows(const QImage &image, QByteArray &data)
 {
     const int rowBytes = image.width() * image.depth() / 8;
+    const int begin = data.size();
     for (int y = 0; y < image.height(); ++y)
         data.append(reinterpret_cast<const char *>(image.constScanLine(y)), rowBytes);
+    if (image.format() != QImage::Format_RGB32)
+        return;
+    char *const bytes = data.data();
+    for (int i = begin + 3; i < data.size(); i += 4)
+        bytes[i] = '\xff';
 }
 
 } // namespace
 
+// It is a part of its store.
 void SpriteCodec::release()
 {
-    delete this;
 }
 
 bool SpriteCodec::decode(unsigned int encoding, void *, const QByteArray &raw, QByteArray &data)
@@ -152,13 +167,17 @@ QImage spriteImage(const QImage &image)
     }
 }
 
+bool hasPlainForm(const QImage &image)
+{
+    return !image.isNull() && image.width() <= largestSide && image.height() <= largestSide
+        && !isTooLarge(infoOf(image));
+}
+
 QByteArray plainImage(const QImage &image)
 {
-    if (image.isNull() || image.width() > largestSide || image.height() > largestSide)
+    if (!hasPlainForm(image))
         return {};
-    const Vela::ImageInfo info{quint16(image.width()), quint16(image.height()), image.format()};
-    if (isTooLarge(info))
-        return {};
+    const Vela::ImageInfo info = infoOf(image);
     QByteArray plain = headOf(info);
     plain.reserve(headBytes + int(plainBytes(info)));
     appendRows(image, plain);

@@ -32,8 +32,9 @@ public:
 
 /// Returns an image as one that sprites can have: indexed as it is, any other with 32 bits a pixel.
 QImage spriteImage(const QImage &image);
-/// Returns the plain form of a spriteImage(); empty for a null image and for one of more than 65535
-/// pixels in a direction.
+/// Returns whether a spriteImage() has a plain form: it is not null, nor too large.
+bool hasPlainForm(const QImage &image);
+/// Returns the plain form of a spriteImage(); empty if it has none.
 QByteArray plainImage(const QImage &image);
 /// Returns the image of a plain form, without colours; null if it is none.
 QImage imageFromPlain(const QByteArray &plain);

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <limits>
 
 namespace Lantern {
 
@@ -103,6 +104,17 @@ QPoint scaled(QPoint place, const Vela::ImageInfo &from, QSize to)
             int(qint64(place.y()) * to.height() / from.height)};
 }
 
+// A file may hold any axis.
+QPoint shifted(QPoint place, QPoint by)
+{
+    const auto difference = [](int a, int b) {
+        constexpr qint64 least = std::numeric_limits<int>::min();
+        constexpr qint64 greatest = std::numeric_limits<int>::max();
+        return int(qBound(least, qint64(a) - b, greatest));
+    };
+    return {difference(place.x(), by.x()), difference(place.y(), by.y())};
+}
+
 } // namespace
 
 SpriteItem::SpriteItem(SpritesFile &file, const Value &value)
@@ -168,6 +180,7 @@ Vela::Sprite *SpriteItem::duplicate() const
     const Change change(m_file, Texts::tr("Duplicate sprite"));
     Value copy = m_value;
     copy.identifier = m_file.freeIdentifier(m_value.identifier);
+    copy.palette = m_file.paletteRef(m_value.palette.get());
     const auto sprite = std::make_shared<SpriteItem>(m_file, copy);
     m_file.insertSprite(m_index + 1, sprite);
     return sprite.get();
@@ -181,7 +194,7 @@ void SpriteItem::crop()
         return;
     const Change change(m_file, Texts::tr("Crop sprite"));
     setImage(cropped, Vela::ShareMode::Share);
-    setAxis(m_value.axis - offset);
+    setAxis(shifted(m_value.axis, offset));
 }
 
 void SpriteItem::splitRGB()
@@ -221,6 +234,10 @@ void SpriteItem::setIdentifier(Vela::SubItem identifier)
 QImage SpriteItem::image() const
 {
     QImage image = m_value.image ? imageFromPlain(m_value.image->plain()) : QImage();
+    // A stream that is another image than its row says is none.
+    if (image.size() != QSize(m_value.info.width, m_value.info.height)
+        || image.format() != m_value.info.format)
+        return {};
     if (image.format() == QImage::Format_Indexed8)
         image.setColorTable(colorTableOf(m_value.palette.get()));
     return image;
@@ -251,14 +268,20 @@ void SpriteItem::setImage(const QImage &image, Vela::ShareMode share)
 void SpriteItem::setImage(const QImage &image, bool keepAxis, PaletteMode mode,
                           Vela::Palette *palette, Vela::ShareMode share)
 {
-    const Change change(m_file, Texts::tr("Sprite's image"));
     QImage pixels = spriteImage(image);
+    // An image that cannot be kept leaves the sprite as it was; an empty one empties it.
+    if (!image.isNull() && !hasPlainForm(pixels))
+        return;
+    const Change change(m_file, Texts::tr("Sprite's image"));
     if (!pixels.isNull())
         takeColors(pixels, mode, palette, share);
     Value changed = m_value;
     const QByteArray plain = plainImage(pixels);
-    changed.image = plain.isEmpty() ? nullptr : m_file.keep(plain, preferredEncoding(plain), share);
-    // An image that cannot be kept leaves the sprite as it was; an empty one empties it.
+    // An image that is there already is neither asked about nor a change.
+    if (plain.isEmpty())
+        changed.image = nullptr;
+    else if (!changed.image || changed.image->plain() != plain)
+        changed.image = m_file.keep(plain, StreamKind::Image, share);
     if (!changed.image && !image.isNull())
         return;
     changed.info = changed.image

@@ -31,12 +31,29 @@ QVector<Changed> valuesSince(const QHash<Item *, Changed> &before)
     QVector<Changed> changes;
     for (Changed change : before) {
         change.after = change.item->value();
-        changes.append(change);
+        if (!isSame(change.before, change.after))
+            changes.append(change);
     }
     return changes;
 }
 
+bool areSame(const StreamRef &a, const StreamRef &b)
+{
+    return a == b || (a && b && a->sharesWith(*b));
+}
+
 } // namespace
+
+bool isSame(const SpriteItem::Value &a, const SpriteItem::Value &b)
+{
+    return a.identifier == b.identifier && a.axis == b.axis && a.palette == b.palette
+        && areSame(a.image, b.image);
+}
+
+bool isSame(const PaletteItem::Value &a, const PaletteItem::Value &b)
+{
+    return a.identifier == b.identifier && areSame(a.colors, b.colors);
+}
 
 bool SpritesChange::isEmpty() const
 {
@@ -44,11 +61,15 @@ bool SpritesChange::isEmpty() const
         && paletteValues.isEmpty();
 }
 
-SpritesChange changeSince(const SpritesBefore &before, const QVector<SpriteRef> &sprites,
-                          const QVector<PaletteRef> &palettes)
+SpritesChange changeSince(const SpritesBefore &before, const std::shared_ptr<StreamStore> &store,
+                          const QVector<SpriteRef> &sprites, const QVector<PaletteRef> &palettes)
 {
-    return {spliceOf(before.sprites, sprites), spliceOf(before.palettes, palettes),
-            valuesSince(before.spriteValues), valuesSince(before.paletteValues)};
+    return {before.store,
+            store,
+            spliceOf(before.sprites, sprites),
+            spliceOf(before.palettes, palettes),
+            valuesSince(before.spriteValues),
+            valuesSince(before.paletteValues)};
 }
 
 SpritesCommand::SpritesCommand(SpritesFile &file, const SpritesChange &change, const QString &text)

@@ -32,9 +32,11 @@ struct ValueChange
     Value after;
 };
 
-/// The difference between two states of a sprites file.
+/// The difference between two states of a sprites file. The streams of each are in its store.
 struct SpritesChange
 {
+    std::shared_ptr<StreamStore> storeBefore;
+    std::shared_ptr<StreamStore> storeAfter;
     Splice<SpriteRef> sprites;
     Splice<PaletteRef> palettes;
     QVector<ValueChange<SpriteRef, SpriteItem::Value>> spriteValues;
@@ -46,6 +48,7 @@ struct SpritesChange
 /// What a change that is under way has to know of the state in front of it.
 struct SpritesBefore
 {
+    std::shared_ptr<StreamStore> store;
     QVector<SpriteRef> sprites;
     QVector<PaletteRef> palettes;
     // Of the items that have another value since, without what stands behind the change.
@@ -54,9 +57,13 @@ struct SpritesBefore
     QString text; ///< what users read of the step
 };
 
+/// Returns whether users see no difference.
+bool isSame(const SpriteItem::Value &a, const SpriteItem::Value &b);
+bool isSame(const PaletteItem::Value &a, const PaletteItem::Value &b);
+
 /// Returns what has changed since.
-SpritesChange changeSince(const SpritesBefore &before, const QVector<SpriteRef> &sprites,
-                          const QVector<PaletteRef> &palettes);
+SpritesChange changeSince(const SpritesBefore &before, const std::shared_ptr<StreamStore> &store,
+                          const QVector<SpriteRef> &sprites, const QVector<PaletteRef> &palettes);
 
 /// A change as a step of undo. It has been done already when it is pushed.
 class SpritesCommand : public QUndoCommand

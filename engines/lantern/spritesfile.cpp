@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/spritesfile.h"
 
-#include "lantern/spritetable.h"
-
-#include "frame/checksum.h"
-#include "frame/filesystemarchive.h"
 #include "frame/interface.h"
 
 #include <QCoreApplication>
-#include <QHash>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <limits>
@@ -21,9 +17,6 @@ struct Texts
 {
     Q_DECLARE_TR_FUNCTIONS(Lantern)
 };
-
-// A file above this size is loaded in the background.
-constexpr qint64 largeFile = 1024 * 1024;
 
 QString spritesProperty()
 {
@@ -50,17 +43,6 @@ bool mayShare(Vela::ShareMode share)
     }
 }
 
-bool isSame(const SpriteItem::Value &a, const SpriteItem::Value &b)
-{
-    return a.identifier == b.identifier && a.axis == b.axis && a.palette == b.palette
-        && a.image == b.image;
-}
-
-bool isSame(const PaletteItem::Value &a, const PaletteItem::Value &b)
-{
-    return a.identifier == b.identifier && a.colors == b.colors;
-}
-
 template <class Ref>
 void replaceRange(QVector<Ref> &list, int position, const QVector<Ref> &from,
                   const QVector<Ref> &to)
@@ -80,47 +62,6 @@ void moveItem(QVector<Ref> &list, unsigned int from, unsigned int to)
 {
     list.move(int(from), int(to));
 }
-
-// Writes the streams of palettes and sprites, each that several have only once.
-class StreamWriter
-{
-public:
-    explicit StreamWriter(SpriteTable &table)
-        : m_table(table)
-    {
-    }
-
-    // Returns the stream's number; None if it cannot be had.
-    quint32 add(const StreamRef &stream, const Vela::ImageInfo &info)
-    {
-        const auto known = m_numbers.constFind(stream->item());
-        if (known != m_numbers.constEnd())
-            return *known;
-        unsigned int encoding = Raw;
-        const QByteArray bytes = stream->stored(encoding);
-        if (bytes.isEmpty())
-            return SpriteTable::None;
-        const QByteArray plain = stream->crc() == 0 ? stream->plain() : QByteArray();
-        const quint32 crc = stream->crc() == 0
-            ? Vela::CRC32(plain.constData(), size_t(plain.size()))
-            : stream->crc();
-        const quint32 number = quint32(m_table.streams.size());
-        m_table.streams.append({0, quint32(bytes.size()), crc, quint16(encoding), info});
-        m_numbers.insert(stream->item(), number);
-        m_bytes += bytes;
-        return number;
-    }
-
-    const QByteArray &bytes() const
-    {
-        return m_bytes;
-    }
-
-private:
-    SpriteTable &m_table;
-    QHash<const Vela::StreamCache::Item *, quint32> m_numbers;
-    QByteArray m_bytes;
-};
 
 } // namespace
 
@@ -155,18 +96,33 @@ void SpritesFile::ensureContent() const
 bool SpritesFile::fromFile(Vela::Archive &archive, const QString &name, unsigned int flags,
                            Vela::JobStats *stats)
 {
-    const bool isOpened = !(flags & Copy) && fileName().isEmpty() && m_undoStack.count() == 0;
+    const bool hasContent =
+        m_undoStack.count() > 0 || !m_sprites.isEmpty() || !m_palettes.isEmpty();
+    const QScopedValueRollback<bool> isOpening(m_isOpening, !(flags & Copy) && !hasContent);
     if (!ContentFile::fromFile(archive, name, flags, stats))
         return false;
-    if (isOpened)
-        m_undoStack.clear();
+    if (!hasContent) {
+        Q_EMIT namesChanged();
+        Q_EMIT changed(true);
+    }
     return true;
 }
 
+bool SpritesFile::toFile(Vela::Archive &archive, const QString &name, unsigned int flags,
+                         Vela::JobStats *stats)
+{
+    if (!ContentFile::toFile(archive, name, flags, stats))
+        return false;
+    if (!(flags & Copy))
+        m_tables.clear();
+    return true;
+}
+
+// Nobody hears of it: the content was there all the time.
 void SpritesFile::load()
 {
+    const QScopedValueRollback<bool> isOpening(m_isOpening, true);
     ContentFile::load();
-    m_undoStack.clear();
 }
 
 void SpritesFile::reset()
@@ -174,11 +130,14 @@ void SpritesFile::reset()
     ContentFile::reset();
     m_undoStack.clear();
     m_messages->clear();
+    m_tables.clear();
 }
 
 bool SpritesFile::isModified() const
 {
-    return !m_undoStack.isClean();
+    const bool isChanging =
+        m_before && !changeSince(*m_before, m_store, m_sprites, m_palettes).isEmpty();
+    return isChanging || !m_undoStack.isClean();
 }
 
 bool SpritesFile::isEmpty() const
@@ -190,18 +149,22 @@ bool SpritesFile::isEmpty() const
 void SpritesFile::undo()
 {
     ensureContent();
-    m_undoStack.undo();
+    if (m_changeDepth == 0) // a change that is under way is no step yet
+        m_undoStack.undo();
+    notifyApplied();
 }
 
 void SpritesFile::redo()
 {
     ensureContent();
-    m_undoStack.redo();
+    if (m_changeDepth == 0) // a change that is under way is no step yet
+        m_undoStack.redo();
+    notifyApplied();
 }
 
-QUndoStack *SpritesFile::undoStack()
+const QUndoStack &SpritesFile::undoStack() const
 {
-    return &m_undoStack;
+    return m_undoStack;
 }
 
 void SpritesFile::move(unsigned int from, unsigned int to)
@@ -244,6 +207,7 @@ void SpritesFile::beginChange(const QString &text)
     if (m_changeDepth++ > 0)
         return;
     m_before = std::make_unique<SpritesBefore>();
+    m_before->store = m_store;
     m_before->sprites = m_sprites;
     m_before->palettes = m_palettes;
     m_before->text = text;
@@ -254,7 +218,7 @@ void SpritesFile::endChange()
     if (m_changeDepth == 0 || --m_changeDepth > 0)
         return;
     const std::unique_ptr<SpritesBefore> before = std::move(m_before);
-    const SpritesChange change = changeSince(*before, m_sprites, m_palettes);
+    const SpritesChange change = changeSince(*before, m_store, m_sprites, m_palettes);
     if (change.isEmpty())
         return;
     m_undoStack.push(new SpritesCommand(*this, change, before->text));
@@ -263,6 +227,7 @@ void SpritesFile::endChange()
 
 void SpritesFile::apply(const SpritesChange &change, bool forward)
 {
+    m_store = forward ? change.storeAfter : change.storeBefore;
     Lantern::apply(change.sprites, forward, m_sprites);
     Lantern::apply(change.palettes, forward, m_palettes);
     for (const auto &changed : change.spriteValues)
@@ -271,7 +236,15 @@ void SpritesFile::apply(const SpritesChange &change, bool forward)
         changed.item->m_value = forward ? changed.after : changed.before;
     renumber(0);
     renumberPalettes(0);
-    notify(change);
+    m_applied = std::make_unique<SpritesChange>(change);
+}
+
+// Whoever hears of it may change the file again, which the stack of undo does not bear while it is
+// at a step.
+void SpritesFile::notifyApplied()
+{
+    if (const std::unique_ptr<SpritesChange> applied = std::move(m_applied))
+        notify(*applied);
 }
 
 void SpritesFile::notify(const SpritesChange &change)
@@ -307,7 +280,7 @@ void SpritesFile::renumberPalettes(int from)
 
 unsigned int SpritesFile::selected() const
 {
-    return m_selected;
+    return std::min(m_selected, std::max(count(), 1u) - 1);
 }
 
 void SpritesFile::setSelected(unsigned int index)
@@ -354,7 +327,7 @@ Vela::Sprite *SpritesFile::insert(unsigned int index, const QVariant &identifier
         if (sprite->isEmpty())
             return nullptr;
     }
-    insertSprite(std::min(index, count()), sprite);
+    insertSprite(index, sprite);
     return sprite.get();
 }
 
@@ -414,12 +387,13 @@ const QVector<PaletteRef> &SpritesFile::paletteItems() const
     return m_palettes;
 }
 
-StreamRef SpritesFile::keep(const QByteArray &plain, unsigned int encoding, Vela::ShareMode share)
+StreamRef SpritesFile::keep(const QByteArray &plain, StreamKind kind, Vela::ShareMode share)
 {
     ensureContent();
     const StreamRef twin =
-        share == Vela::ShareMode::NoShare ? StreamRef() : m_store->findTwin(plain);
-    return twin && mayShare(share) ? twin : m_store->addPlain(plain, encoding);
+        share == Vela::ShareMode::NoShare ? StreamRef() : m_store->findTwin(plain, kind);
+    const Encoding encoding = kind == StreamKind::Image ? preferredEncoding(plain) : Raw;
+    return twin && mayShare(share) ? twin : m_store->addPlain(plain, encoding, kind);
 }
 
 void SpritesFile::setValue(SpriteItem &sprite, const SpriteItem::Value &value)
@@ -444,14 +418,16 @@ void SpritesFile::setValue(PaletteItem &palette, const PaletteItem::Value &value
 
 void SpritesFile::insertSprite(unsigned int index, const SpriteRef &sprite)
 {
-    m_sprites.insert(int(index), sprite);
-    renumber(int(index));
+    const int place = std::min(int(index), m_sprites.size());
+    m_sprites.insert(place, sprite);
+    renumber(place);
 }
 
 void SpritesFile::insertPalette(unsigned int index, const PaletteRef &palette)
 {
-    m_palettes.insert(int(index), palette);
-    renumberPalettes(int(index));
+    const int place = std::min(int(index), m_palettes.size());
+    m_palettes.insert(place, palette);
+    renumberPalettes(place);
 }
 
 void SpritesFile::movePalette(unsigned int from, unsigned int to)
@@ -491,105 +467,6 @@ Vela::SubItem SpritesFile::freeIdentifier(Vela::SubItem ofGroup) const
             free.image = used.image + 1;
     }
     return free;
-}
-
-bool SpritesFile::read(Vela::Archive &archive, const QString &name, QString &error)
-{
-    QIODevice *const device = archive.openFile(name, QIODevice::ReadOnly);
-    if (!device) {
-        error = Texts::tr("The file '%1' cannot be read.").arg(name);
-        return false;
-    }
-    SpriteTable table;
-    QString reason;
-    QVector<StreamRef> streams;
-    const bool isOnDisk = &archive == &Vela::FileSystemArchive::instance();
-    const bool isLate = isOnDisk && device->size() > largeFile;
-    const auto store = std::make_shared<StreamStore>(isLate ? name : QString(), true);
-    bool isRead = device->size() <= largestFile && table.read(*device, reason);
-    for (int i = 0; isRead && i < table.streams.size(); ++i) {
-        const SpriteTable::Stream &row = table.streams.at(i);
-        StreamRef stream;
-        if (isLate) {
-            stream = store->addLate({row.offset, row.size, row.crc, row.encoding, nullptr});
-        } else if (device->seek(row.offset)) {
-            stream = store->addRaw(device->read(row.size), row.encoding, row.crc);
-        }
-        isRead = stream && stream->item()->size() == row.size;
-        streams.append(stream);
-    }
-    archive.closeFile(device);
-    if (!isRead) {
-        error = Texts::tr("The file '%1' cannot be read: %2.")
-                    .arg(name, reason.isEmpty() ? Texts::tr("it is too large or cut off") : reason);
-        return false;
-    }
-    m_messages->clear();
-    replaceContent(table, streams, store);
-    return true;
-}
-
-// The state in front of it comes back with undo, out of the store that it has been in.
-void SpritesFile::replaceContent(const SpriteTable &table, const QVector<StreamRef> &streams,
-                                 const std::shared_ptr<StreamStore> &store)
-{
-    setLoaded();
-    const Change change(*this, Texts::tr("Reading the file"));
-    m_store = store;
-    m_palettes.clear();
-    for (const SpriteTable::Palette &row : table.palettes) {
-        const PaletteItem::Value value{row.identifier, streams.at(int(row.stream))};
-        m_palettes.append(std::make_shared<PaletteItem>(*this, value));
-    }
-    m_sprites.clear();
-    for (const SpriteTable::Sprite &row : table.sprites) {
-        SpriteItem::Value value;
-        value.identifier = row.identifier;
-        value.axis = row.axis;
-        if (row.palette != SpriteTable::None)
-            value.palette = m_palettes.at(int(row.palette));
-        if (row.stream != SpriteTable::None) {
-            value.image = streams.at(int(row.stream));
-            value.info = table.streams.at(int(row.stream)).info;
-        }
-        m_sprites.append(std::make_shared<SpriteItem>(*this, value));
-    }
-    renumber(0);
-    renumberPalettes(0);
-}
-
-bool SpritesFile::encode(QByteArray &data, QString &error) const
-{
-    SpriteTable table;
-    table.isPreferred = true;
-    StreamWriter writer(table);
-    for (const PaletteRef &palette : m_palettes) {
-        const PaletteItem::Value &value = palette->value();
-        table.palettes.append({value.identifier, 0});
-        quint32 &stream = table.palettes.last().stream;
-        stream = writer.add(value.colors, {0, 0, QImage::Format_Invalid});
-        if (stream == SpriteTable::None) {
-            error = Texts::tr("The colors of palette %1 cannot be read; the file stays as it is.")
-                        .arg(identifierText(value.identifier));
-            return false;
-        }
-    }
-    for (const SpriteRef &sprite : m_sprites) {
-        const SpriteItem::Value &value = sprite->value();
-        const quint32 palette = value.palette ? value.palette->index() : SpriteTable::None;
-        table.sprites.append({value.identifier, value.axis, palette, SpriteTable::None});
-        if (!value.image)
-            continue;
-        quint32 &stream = table.sprites.last().stream;
-        stream = writer.add(value.image, value.info);
-        if (stream == SpriteTable::None) {
-            error = Texts::tr("The image of sprite %1 cannot be read; the file stays as it is.")
-                        .arg(identifierText(value.identifier));
-            return false;
-        }
-    }
-    data = table.write() + writer.bytes();
-    return true;
 }
 
 void SpritesFile::markSaved()

@@ -30,12 +30,15 @@ public:
 
     bool fromFile(Vela::Archive &archive, const QString &name, unsigned int flags,
                   Vela::JobStats *stats) override;
+    /// Writes what has not been changed since it was read byte for byte.
+    bool toFile(Vela::Archive &archive, const QString &name, unsigned int flags,
+                Vela::JobStats *stats) override;
     void reset() override;
     bool isModified() const override;
     bool isEmpty() const override;
     void undo() override;
     void redo() override;
-    QUndoStack *undoStack();
+    const QUndoStack &undoStack() const;
 
     void move(unsigned int from, unsigned int to) override;
     void remove(unsigned int index) override;
@@ -46,6 +49,7 @@ public:
     /// Begins a change that users read \a text of, unless it is part of another.
     void beginChange(const QString &text);
 
+    /// Never past the end.
     unsigned int selected() const override;
     void setSelected(unsigned int index) override;
     Vela::Palettes *palettes() const override;
@@ -75,9 +79,10 @@ public:
     const QVector<PaletteRef> &paletteItems() const;
     /// Returns the stream of plain data: a twin's, if there is one and \a share allows it. Null if
     /// it cannot be kept.
-    StreamRef keep(const QByteArray &plain, unsigned int encoding, Vela::ShareMode share);
+    StreamRef keep(const QByteArray &plain, StreamKind kind, Vela::ShareMode share);
     void setValue(SpriteItem &sprite, const SpriteItem::Value &value);
     void setValue(PaletteItem &palette, const PaletteItem::Value &value);
+    /// Inserts at the end what has its place behind it: the neighbour may have been removed.
     void insertSprite(unsigned int index, const SpriteRef &sprite);
     void insertPalette(unsigned int index, const PaletteRef &palette);
     void movePalette(unsigned int from, unsigned int to);
@@ -87,7 +92,8 @@ public:
     PaletteRef paletteRef(const Vela::Palette *palette) const;
     /// Returns the identifier of that group behind all others.
     Vela::SubItem freeIdentifier(Vela::SubItem ofGroup) const;
-    /// Brings the state in front of, or behind, a change back.
+    /// Brings the state in front of, or behind, a change back. Others hear of it when the step of
+    /// undo is through.
     void apply(const SpritesChange &change, bool forward);
 
 Q_SIGNALS:
@@ -105,19 +111,24 @@ protected:
 private:
     friend class Change;
 
+    bool originalBytes(QByteArray &data) const;
     void ensureContent() const;
     void replaceContent(const SpriteTable &table, const QVector<StreamRef> &streams,
                         const std::shared_ptr<StreamStore> &store);
     void renumber(int from);
     void renumberPalettes(int from);
     void notify(const SpritesChange &change);
+    void notifyApplied();
 
     std::shared_ptr<StreamStore> m_store;
+    QByteArray m_tables; // of the file as it was read; empty once it was written
     QVector<SpriteRef> m_sprites;
     QVector<PaletteRef> m_palettes;
     std::unique_ptr<PaletteList> m_paletteList;
-    std::unique_ptr<SpritesBefore> m_before; // while a change is under way
+    std::unique_ptr<SpritesBefore> m_before;  // while a change is under way
+    std::unique_ptr<SpritesChange> m_applied; // by undo or redo, of which nobody has heard yet
     int m_changeDepth = 0;
+    bool m_isOpening = false; // while the first content comes
     unsigned int m_selected = 0;
     std::unique_ptr<Vela::SimpleMessages> m_messages;
     QUndoStack m_undoStack; // its steps go in front of what they refer to

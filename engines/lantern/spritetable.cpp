@@ -106,7 +106,7 @@ void writeRows(QDataStream &out, const QVector<Row> &rows)
 
 bool isStream(const SpriteTable::Stream &stream, qint64 begin, qint64 end)
 {
-    const bool lies = stream.offset >= begin && stream.offset <= end
+    const bool lies = stream.size > 0 && stream.offset >= begin && stream.offset <= end
         && qint64(stream.size) <= end - stream.offset;
     const bool fits = isPalette(stream)
         ? stream.encoding == Raw && stream.size == paletteStreamBytes
@@ -176,12 +176,17 @@ bool SpriteTable::read(QIODevice &device, QString &error)
     if (crc != checksum(head + body.left(int(bodyBytes))))
         return false;
     const qint64 begin = headBytes + bodyBytes + crcBytes;
+    // Together they are no longer than the file, or a small one would fill the memory.
+    qint64 streamTotal = 0;
     const bool areStreams =
-        std::all_of(table.streams.begin(), table.streams.end(),
-                    [&](const Stream &stream) { return isStream(stream, begin, fileBytes); });
+        std::all_of(table.streams.begin(), table.streams.end(), [&](const Stream &stream) {
+            streamTotal += stream.size;
+            return isStream(stream, begin, fileBytes) && streamTotal <= fileBytes - begin;
+        });
     if (!areStreams || !areLinked(table))
         return false;
     table.isPreferred = flags & preferredFlag;
+    table.original = head + body;
     *this = table;
     error.clear();
     return true;

@@ -52,6 +52,7 @@ struct SpriteTable
     QVector<Palette> palettes;
     QVector<Sprite> sprites;
     bool isPreferred = false; ///< all images have their preferred encoding
+    QByteArray original;      ///< the tables as they were read
 };
 
 } // namespace Lantern

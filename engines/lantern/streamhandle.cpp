@@ -5,6 +5,17 @@
 
 namespace Lantern {
 
+namespace {
+
+// What an item of the cache carries along.
+void *markOf(StreamKind kind)
+{
+    static char palette;
+    return kind == StreamKind::Palette ? &palette : nullptr;
+}
+
+} // namespace
+
 StreamStore::StreamStore(const QString &fileName, bool isPreferred)
     : m_cache(new Vela::AsyncFileCache(
         &m_codec, Vela::StreamCache::instance(&m_codec, Vela::StreamCache::Default)))
@@ -30,32 +41,45 @@ StreamRef StreamStore::add(const QVariant &source)
     return stream;
 }
 
-StreamRef StreamStore::addLate(const Vela::AsyncFileCache::Item::Info &info)
+StreamRef StreamStore::addLate(Vela::AsyncFileCache::Item::Info info, StreamKind kind)
 {
-    return add(QVariant::fromValue(info));
+    info.codecData = markOf(kind);
+    const StreamRef stream = add(QVariant::fromValue(info));
+    m_late.push_back(stream);
+    return stream;
 }
 
-StreamRef StreamStore::addRaw(const QByteArray &raw, unsigned int encoding, unsigned int crc)
+void StreamStore::finishLoads()
+{
+    for (const std::weak_ptr<StreamHandle> &late : m_late) {
+        if (const StreamRef stream = late.lock())
+            static_cast<Vela::AsyncFileCache::Item *>(stream->item())->waitForDataReady();
+    }
+    m_late.clear();
+}
+
+StreamRef StreamStore::addRaw(const QByteArray &raw, unsigned int encoding, StreamKind kind,
+                              unsigned int crc)
 {
     const StreamRef stream = add(QVariant());
-    return stream->fromRawData(raw, encoding, nullptr, crc) ? stream : nullptr;
+    return stream->fromRawData(raw, encoding, markOf(kind), crc) ? stream : nullptr;
 }
 
-StreamRef StreamStore::addPlain(const QByteArray &plain, unsigned int encoding)
+StreamRef StreamStore::addPlain(const QByteArray &plain, unsigned int encoding, StreamKind kind)
 {
     const StreamRef stream = add(QVariant());
     QByteArray raw;
     if (m_codec.encodeSmaller(encoding, plain, raw)) {
         const unsigned int crc = Vela::CRC32(plain.constData(), size_t(plain.size()));
-        return stream->fromRawData(raw, encoding, nullptr, crc) ? stream : nullptr;
+        return stream->fromRawData(raw, encoding, markOf(kind), crc) ? stream : nullptr;
     }
-    return stream->fromData(plain, Raw, nullptr, 0) ? stream : nullptr;
+    return stream->fromData(plain, Raw, markOf(kind), 0) ? stream : nullptr;
 }
 
-StreamRef StreamStore::findTwin(const QByteArray &plain)
+StreamRef StreamStore::findTwin(const QByteArray &plain, StreamKind kind)
 {
     Vela::StreamCache::Item *const twin = m_cache->find(plain, nullptr);
-    if (!twin)
+    if (!twin || twin->codecData() != markOf(kind))
         return nullptr;
     const StreamRef stream = newHandle();
     stream->itemSwap(twin);

@@ -6,10 +6,14 @@
 #include "cache/asyncfilecache.h"
 
 #include <memory>
+#include <vector>
 
 namespace Lantern {
 
 class StreamHandle;
+
+/// What a stream holds. The bytes of an image may look like those of a palette.
+enum class StreamKind { Image, Palette };
 
 /// Shared by everything that has the stream, and given up with the last of it.
 using StreamRef = std::shared_ptr<StreamHandle>;
@@ -25,14 +29,17 @@ public:
     ~StreamStore();
 
     /// Returns a stream that is loaded in the background, from a region of the file.
-    StreamRef addLate(const Vela::AsyncFileCache::Item::Info &info);
+    StreamRef addLate(Vela::AsyncFileCache::Item::Info info, StreamKind kind);
+    /// Waits for the streams that are still being loaded. To be called before their file changes.
+    void finishLoads();
     /// Returns a stream of bytes that have their encoding already. \a crc is of the plain data.
-    StreamRef addRaw(const QByteArray &raw, unsigned int encoding, unsigned int crc);
+    StreamRef addRaw(const QByteArray &raw, unsigned int encoding, StreamKind kind,
+                     unsigned int crc);
     /// Returns a stream of plain data, encoded if that makes it smaller; null if it cannot be kept.
-    StreamRef addPlain(const QByteArray &plain, unsigned int encoding);
+    StreamRef addPlain(const QByteArray &plain, unsigned int encoding, StreamKind kind);
     /// Returns a stream that shares the bytes of the first one with that plain data; null if there
-    /// is none.
-    StreamRef findTwin(const QByteArray &plain);
+    /// is none, or one of another kind.
+    StreamRef findTwin(const QByteArray &plain, StreamKind kind);
 
 private:
     Q_DISABLE_COPY(StreamStore)
@@ -44,6 +51,7 @@ private:
     SpriteCodec m_codec;
     Vela::AsyncFileCache *const m_cache;
     const bool m_isPreferred;
+    std::vector<std::weak_ptr<StreamHandle>> m_late; ///< those that may still be loading
 };
 
 /// A handle on a stream of a store.

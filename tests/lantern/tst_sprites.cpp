@@ -10,9 +10,13 @@
 #include <QFile>
 #include <QPainter>
 #include <QRandomGenerator>
+#include <QRunnable>
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThreadPool>
+#include <QtEndian>
 
 #include <functional>
 #include <memory>
@@ -155,6 +159,23 @@ QByteArray handmadeFile()
     return file + palette + raw + rle5;
 }
 
+// Keeps a thread of the pool until it is let go.
+class Waiting : public QRunnable
+{
+public:
+    explicit Waiting(QSemaphore &end)
+        : m_end(end)
+    {
+    }
+    void run() override
+    {
+        m_end.acquire();
+    }
+
+private:
+    QSemaphore &m_end;
+};
+
 } // namespace
 
 class tst_Sprites : public QObject
@@ -197,10 +218,19 @@ void tst_Sprites::readsAFileMadeByHand()
     QCOMPARE(second.pixelIndex(1, 0), 3);
     QCOMPARE(second.pixelIndex(2, 0), 3);
     QCOMPARE(file->at(1)->palette(), nullptr);
+    // Without a change it is passed on as it is.
+    MemoryArchive archive({{QStringLiteral("/f.sprites"), handmadeFile()}});
+    const Held unchanged(new SpritesFile);
+    QVERIFY(unchanged->fromFile(archive, QStringLiteral("/f.sprites"), 0, nullptr));
+    unchanged->at(0)->setAxis({9, 9});
+    QVERIFY(bytesOf(*unchanged) != handmadeFile());
+    unchanged->undo();
+    QCOMPARE(bytesOf(*unchanged), handmadeFile());
     // What is written has the encodings that this program gives, and is the same again from then
     // on.
     const QStringList content = contentOf(*file);
     const QByteArray saved = bytesOf(*file);
+    QCOMPARE(int(saved.at(20 + 2 * 24 + 16)), 0); // what was RLE5
     const Held again = fileOf(saved);
     QCOMPARE(contentOf(*again), content);
     QCOMPARE(bytesOf(*again), saved);
@@ -323,10 +353,32 @@ void tst_Sprites::everyStepCanBeTakenBack()
             QCOMPARE(contentOf(*file), states.at(i));
         }
     }
+    // Scripts may still have what is no longer there.
+    file->undo();
+    Sprite *const last = file->at(file->count() - 1);
+    file->clear();
+    QCOMPARE(last->duplicate()->index(), 0u);
+    QCOMPARE(file->at(0)->palette(), nullptr);
+    // Somebody who hears of a step may make another one.
+    file->undo();
+    const auto onModified = QObject::connect(file.get(), &SpritesFile::modified, file.get(), [&] {
+        if (!file->undoStack().canRedo() || file->selected() == 1)
+            return;
+        file->setSelected(1);
+        file->at(0)->setAxis({77, 77});
+    });
+    file->undo();
+    QObject::disconnect(onModified);
+    QCOMPARE(file->at(0)->axis(), QPoint(77, 77));
+    QVERIFY(!file->undoStack().canRedo());
+    file->undo();
+    QVERIFY(file->at(0)->axis() != QPoint(77, 77));
+    file->clear();
+    QCOMPARE(file->selected(), 0u);
     // What changes nothing is no step.
-    const int count = file->undoStack()->count();
+    const int count = file->undoStack().count();
     file->add(id(1, 1), QImage(), ShareMode::Share)->setAxis({0, 0});
-    QCOMPARE(file->undoStack()->count(), count + 1);
+    QCOMPARE(file->undoStack().count(), count + 1);
 }
 
 void tst_Sprites::readingAgainIsAStepOfUndo()
@@ -342,8 +394,10 @@ void tst_Sprites::readingAgainIsAStepOfUndo()
     Held opened(new SpritesFile);
     opened->attach(archive, name);
     QVERIFY(!opened->isLoaded());
+    QSignalSpy modified(opened.get(), &SpritesFile::modified);
     QCOMPARE(opened->count(), 1u);
-    QVERIFY(!opened->undoStack()->canUndo());
+    QVERIFY(modified.isEmpty());
+    QVERIFY(!opened->undoStack().canUndo());
     const QStringList before = contentOf(*opened);
     file->add(id(0, 1), noise(4, 4, 4, 2), ShareMode::Share);
     QVERIFY(file->toFile(archive, name, 0, nullptr));
@@ -354,6 +408,14 @@ void tst_Sprites::readingAgainIsAStepOfUndo()
     QCOMPARE(contentOf(*opened), before);
     QVERIFY(opened->isModified());
     QCOMPARE(bytesOf(*opened), first);
+    // The images of that state are found again, too.
+    QVERIFY(opened->add(id(0, 2), noise(4, 4, 4, 1), ShareMode::Share)->imageIsShared());
+    // Behind a file that has not been asked for its content there is no other state.
+    Held late(new SpritesFile);
+    late->attach(archive, name);
+    late->reload();
+    QCOMPARE(late->count(), 2u);
+    QVERIFY(!late->undoStack().canUndo());
 }
 
 void tst_Sprites::modesSettleThePalette()
@@ -392,6 +454,15 @@ void tst_Sprites::modesSettleThePalette()
     QVERIFY(given->colorTable(now));
     QCOMPARE(Vela::toRgb(now[9]), rampTable(1).at(9));
     QCOMPARE(file->palettes()->count(), 2u);
+
+    // An image that is too large for a file changes nothing at all.
+    QImage wide = noise(70000, 1, 4, 6);
+    wide.setColor(3, qRgb(1, 1, 1));
+    const int steps = file->undoStack().count();
+    sprite->setImage(wide, true, Sprite::OwnPalette, nullptr, ShareMode::Share);
+    QVERIFY(!file->add(id(9, 9), wide, ShareMode::Share));
+    QCOMPARE(file->palettes()->count(), 2u);
+    QCOMPARE(file->undoStack().count(), steps);
 }
 
 void tst_Sprites::palettesAreRemovedWithCare()
@@ -426,9 +497,9 @@ void tst_Sprites::cropAndSplit()
     sprite->crop();
     QCOMPARE(sprite->image().size(), QSize(3, 4));
     QCOMPARE(sprite->axis(), QPoint(5, 7));
-    const int steps = file->undoStack()->count();
+    const int steps = file->undoStack().count();
     sprite->splitRGB();
-    QCOMPARE(file->undoStack()->count(), steps + 1);
+    QCOMPARE(file->undoStack().count(), steps + 1);
     QCOMPARE(file->count(), 4u);
     const QRgb channels[] = {qRgb(10, 0, 0), qRgb(0, 20, 0), qRgb(0, 0, 30)};
     for (unsigned int i = 0; i < 3; ++i) {
@@ -462,6 +533,12 @@ void tst_Sprites::brokenFilesStayAsTheyAre()
     QList<QByteArray> broken{QByteArray()};
     for (int size = 1; size < whole.size(); size += size < tables ? 1 : 97)
         broken.append(whole.left(size));
+    // One stream in the place of another, with a checksum that is right.
+    QByteArray folded = whole;
+    folded.replace(20 + 2 * 24, 12, whole.mid(20, 12));
+    const quint32_le crc(Vela::CRC32(folded.constData(), size_t(tables) - 4));
+    folded.replace(tables - 4, 4, reinterpret_cast<const char *>(&crc), 4);
+    broken.append(folded);
     for (int at = 0; at < tables; ++at) {
         broken.append(whole);
         broken.last()[at] = char(broken.last().at(at) ^ 0x41);
@@ -477,6 +554,12 @@ void tst_Sprites::brokenFilesStayAsTheyAre()
         QVERIFY(!file->isModified());
         QCOMPARE(bytesOf(*file), bytes);
         QVERIFY(!Held(new SpritesFile)->fromFile(archive, name, 0, nullptr));
+        // A change does not put an end to what may be mended yet.
+        file->add(id(0, 0), QImage(), ShareMode::Share);
+        QVERIFY(!file->toFile(archive, name, 0, nullptr));
+        QCOMPARE(archive.content(name), bytes);
+        QVERIFY(file->toFile(archive, QStringLiteral("/c.sprites"), 0, nullptr));
+        QVERIFY(file->toFile(archive, QStringLiteral("/c.sprites"), 0, nullptr));
     }
 }
 
@@ -492,11 +575,20 @@ void tst_Sprites::largeFilesAreReadInTheBackground()
     QVERIFY(QFile(name).size() > 1024 * 1024);
     const QStringList content = contentOf(*file);
 
+    // The file is saved while the threads that load it have something else to do.
+    QThreadPool &pool = *QThreadPool::globalInstance();
+    const int threads = pool.maxThreadCount();
+    pool.setMaxThreadCount(1);
+    QSemaphore saved;
+    pool.start(new Waiting(saved));
     Held large(new SpritesFile);
-    QVERIFY(large->fromFile(disk, name, 0, nullptr));
-    large->at(7)->setAxis({1, 1});
-    QVERIFY(large->toFile(disk, name, 0, nullptr));
-    QVERIFY(!large->isModified());
+    const bool isRead = large->fromFile(disk, name, 0, nullptr);
+    large->remove(7);
+    const bool isSaved = large->toFile(disk, name, 0, nullptr);
+    saved.release();
+    pool.waitForDone();
+    pool.setMaxThreadCount(threads);
+    QVERIFY(isRead && isSaved && !large->isModified());
     large->undo();
     QCOMPARE(contentOf(*large), content);
     QVERIFY(large->at(250)->imageIsShared());
