@@ -79,7 +79,7 @@ bool BinaryFile::encode(QByteArray &data, QString &) const
     return true;
 }
 
-void BinaryFile::clear()
+void BinaryFile::dropContent()
 {
     m_data.clear();
     m_modified = false;

@@ -30,7 +30,7 @@ public:
 protected:
     bool read(Vela::Archive &archive, const QString &name, QString &error) override;
     bool encode(QByteArray &data, QString &error) const override;
-    void clear() override;
+    void dropContent() override;
     void markSaved() override;
     Vela::Messages *fileMessages() const override;
 

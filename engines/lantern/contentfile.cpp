@@ -130,7 +130,7 @@ void ContentFile<Base>::reset()
     m_name.clear();
     m_isUnreadable = false;
     setLoaded();
-    clear();
+    dropContent();
 }
 
 template <class Base>

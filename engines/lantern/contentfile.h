@@ -45,7 +45,7 @@ protected:
     /// Makes bytes of the content. Returns false with a reason in \a error.
     virtual bool encode(QByteArray &data, QString &error) const = 0;
     /// Drops the content.
-    virtual void clear() = 0;
+    virtual void dropContent() = 0;
     /// Called when the content stands in the file as it is.
     virtual void markSaved() = 0;
     /// Called when a file that is read late cannot be. Saving it passes its bytes on as they are.

@@ -469,6 +469,11 @@ Vela::SubItem SpritesFile::freeIdentifier(Vela::SubItem ofGroup) const
     return free;
 }
 
+void SpritesFile::dropContent()
+{
+    clear();
+}
+
 void SpritesFile::markSaved()
 {
     m_undoStack.setClean();

@@ -104,6 +104,7 @@ protected:
     void load() override;
     bool read(Vela::Archive &archive, const QString &name, QString &error) override;
     bool encode(QByteArray &data, QString &error) const override;
+    void dropContent() override;
     void markSaved() override;
     void loadFailed(const QString &error) override;
     Vela::Messages *fileMessages() const override;
