@@ -7,7 +7,8 @@
 function(vela_test name)
     cmake_parse_arguments(ARG "XVFB" "TIMEOUT" "LIBRARIES" ${ARGN})
     add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
-    target_link_libraries(${name} PRIVATE vela_test_support Qt5::Test ${ARG_LIBRARIES})
+    target_link_libraries(${name} PRIVATE
+        $<TARGET_NAME_IF_EXISTS:vela_qtthreads> vela_test_support Qt5::Test ${ARG_LIBRARIES})
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_precompile_headers(${name} REUSE_FROM vela_test_support)
     set_target_properties(${name} PROPERTIES

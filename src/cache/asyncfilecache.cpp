@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cache/asyncfilecache.h"
 
-#include "cache/guards_p.h"
-
 #include <QFile>
 #include <QtConcurrent>
 #include <algorithm>
@@ -68,7 +66,6 @@ bool AsyncFileCache::Item::setRawData(const QByteArray &data, unsigned int encod
 void AsyncFileCache::Item::waitForDataReady()
 {
     m_future.waitForFinished();
-    takeOver(this);
 }
 
 void AsyncFileCache::Item::setItem(StreamCache::Item *item)
@@ -102,7 +99,6 @@ StreamCache::Item *AsyncFileCache::newItem(const QVariant &source)
     if (!source.isValid())
         return new Item(this, m_target->addItem(QVariant()));
     auto *item = new Item(this, source.value<Item::Info>());
-    handOver(item);
     item->m_future = QtConcurrent::run(this, &AsyncFileCache::load, item);
     return item;
 }
@@ -110,7 +106,6 @@ StreamCache::Item *AsyncFileCache::newItem(const QVariant &source)
 // Runs on a thread of the pool. The item outlives it, as its destructor waits.
 void AsyncFileCache::load(Item *item)
 {
-    takeOver(item);
     const std::optional<QByteArray> bytes =
         readRegion(item->m_fileName, item->m_offset, item->size());
     if (bytes) {
@@ -122,19 +117,18 @@ void AsyncFileCache::load(Item *item)
             loaded->release();
         }
     }
-    handOver(item);
 }
 
 QString AsyncFileCache::fileName() const
 {
-    const MutexGuard guard(mutex());
+    const QMutexLocker guard(&mutex());
     return m_fileName;
 }
 
 void AsyncFileCache::setFileName(const QString &fileName)
 {
     clear();
-    const MutexGuard guard(mutex());
+    const QMutexLocker guard(&mutex());
     m_fileName = fileName;
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cache/diskcache_p.h"
 
-#include "cache/guards_p.h"
-
 #include <QThread>
 #include <algorithm>
 
@@ -16,14 +14,14 @@ DiskItem::DiskItem(DiskCache *cache)
 
 DiskItem::~DiskItem()
 {
-    const WriteGuard guard(m_cache->d->lock);
+    const QWriteLocker guard(&m_cache->d->lock);
     m_cache->d->store(this, QByteArray());
 }
 
 QByteArray DiskItem::readPacked()
 {
     DiskCachePrivate &d = *m_cache->d;
-    const ReadGuard guard(d.lock);
+    const QReadLocker guard(&d.lock);
     if (m_offset < 0)
         return QByteArray();
     const bool here = QThread::currentThread() == m_cache->thread();
@@ -34,7 +32,7 @@ QByteArray DiskItem::readPacked()
 
 bool DiskItem::storePacked(const QByteArray &packed)
 {
-    const WriteGuard guard(m_cache->d->lock);
+    const QWriteLocker guard(&m_cache->d->lock);
     return m_cache->d->store(this, packed);
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cache/packedcache.h"
 
-#include "cache/guards_p.h"
-
 namespace Vela {
 
 PackedCache::PackedCache(Codec *codec)
@@ -47,13 +45,13 @@ public:
 protected:
     QByteArray readPacked() override
     {
-        const MutexGuard guard(m_cache->mutex());
+        const QMutexLocker guard(&m_cache->mutex());
         return m_packed;
     }
 
     bool storePacked(const QByteArray &packed) override
     {
-        const MutexGuard guard(m_cache->mutex());
+        const QMutexLocker guard(&m_cache->mutex());
         m_packed = packed;
         return true;
     }

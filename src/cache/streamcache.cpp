@@ -3,7 +3,6 @@
 
 #include "cache/diskcache.h"
 #include "cache/filecache.h"
-#include "cache/guards_p.h"
 #include "frame/checksum.h"
 #include "frame/interface.h"
 
@@ -75,7 +74,7 @@ QMutex &StreamCache::mutex() const
 StreamCache::Item *StreamCache::addItem(const QVariant &source)
 {
     Item *item = newItem(source);
-    const MutexGuard guard(m_mutex);
+    const QMutexLocker guard(&m_mutex);
     item->m_place = ++m_lastPlace;
     m_items.append(item);
     m_byCrc[{item->m_crc, item->m_place}] = item;
@@ -89,7 +88,7 @@ void StreamCache::removeItem(Item *item)
 
 void StreamCache::remove(Item *item)
 {
-    const MutexGuard guard(m_mutex);
+    const QMutexLocker guard(&m_mutex);
     if (item->m_place == 0)
         return;
     m_byCrc.erase({item->m_crc, item->m_place});
@@ -102,7 +101,7 @@ void StreamCache::remove(Item *item)
 
 void StreamCache::setCrc(Item *item, unsigned int crc)
 {
-    const MutexGuard guard(m_mutex);
+    const QMutexLocker guard(&m_mutex);
     if (item->m_place != 0) {
         m_byCrc.erase({item->m_crc, item->m_place});
         m_byCrc[{crc, item->m_place}] = item;
@@ -114,7 +113,7 @@ void StreamCache::clear()
 {
     QList<Item *> items;
     {
-        const MutexGuard guard(m_mutex);
+        const QMutexLocker guard(&m_mutex);
         items.swap(m_items);
         m_byCrc.clear();
         for (Item *item : qAsConst(items))
@@ -129,7 +128,7 @@ void StreamCache::clear()
 // null.
 StreamCache::Item *StreamCache::nextCandidate(unsigned int crc, quint64 place) const
 {
-    const MutexGuard guard(m_mutex);
+    const QMutexLocker guard(&m_mutex);
     Item *next = nullptr;
     for (const unsigned int group : {0U, crc}) {
         const auto it = m_byCrc.upper_bound({group, place});
