@@ -7,6 +7,7 @@
 #include "studio/cli/commands.h"
 #include "studio/cli/console.h"
 #include "studio/cli/imagefiles.h"
+#include "studio/cli/parallel.h"
 #include "studio/cli/projectcall.h"
 #include "studio/cli/standalonesprites.h"
 
@@ -15,7 +16,6 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSet>
-#include <QtConcurrent>
 
 namespace Studio {
 
@@ -100,7 +100,7 @@ public:
 
 private:
     Exported itemOf(const Vela::Sprite &sprite);
-    void write(const QVector<Exported> &items, Vela::JobStats &job);
+    void write(QVector<Exported> items, Vela::JobStats &job);
 
     const Call &m_call;
     const QDir m_folder;
@@ -144,10 +144,10 @@ Exported Exporter::itemOf(const Vela::Sprite &sprite)
     return item;
 }
 
-void Exporter::write(const QVector<Exported> &items, Vela::JobStats &job)
+void Exporter::write(QVector<Exported> items, Vela::JobStats &job)
 {
-    const auto results = QtConcurrent::blockingMapped<QVector<Exported>>(items, exported);
-    for (const Exported &item : results) {
+    mapInParallel(items, exported);
+    for (const Exported &item : qAsConst(items)) {
         if (!item.error.isEmpty()) {
             job.error(item.error);
             m_isComplete = false;

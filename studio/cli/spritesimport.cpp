@@ -5,11 +5,11 @@
 #include "studio/cli/commands.h"
 #include "studio/cli/console.h"
 #include "studio/cli/imagefiles.h"
+#include "studio/cli/parallel.h"
 #include "studio/cli/projectcall.h"
 #include "studio/cli/standalonesprites.h"
 
 #include <QFileInfo>
-#include <QtConcurrent>
 
 #include <algorithm>
 #include <set>
@@ -105,8 +105,8 @@ QList<QStringList> importAll(Vela::Sprites &sprites, const QVector<Imported> &it
     QList<QStringList> rows;
     sprites.beginChange();
     for (int i = 0; i < items.size(); i += batchSize) {
-        const auto batch =
-            QtConcurrent::blockingMapped<QVector<Imported>>(items.mid(i, batchSize), decoded);
+        QVector<Imported> batch = items.mid(i, batchSize);
+        mapInParallel(batch, decoded);
         rows += putAll(sprites, batch, *job);
         job->setValue(static_cast<unsigned int>(qMin(i + batchSize, items.size())));
     }
