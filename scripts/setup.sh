@@ -15,9 +15,9 @@ packages=(
   # Tests, benchmarks, screenshots
   libbenchmark-dev xvfb xauth libgl1-mesa-dri fonts-dejavu-core zip unzip librsvg2-bin
   # Other programs that the tests compare files with
-  ffmpeg gifsicle imagemagick netpbm
+  ffmpeg gifsicle imagemagick netpbm sox libsox-fmt-mp3 flac vorbis-tools lame
   # What benchmarks compare with
-  libavcodec-dev libavfilter-dev libavutil-dev libimagequant-dev libsqlite3-dev
+  libavcodec-dev libavfilter-dev libavutil-dev libimagequant-dev libsqlite3-dev libsndfile1-dev
 )
 
 fail() {
