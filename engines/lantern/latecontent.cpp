@@ -2,6 +2,7 @@
 #include "lantern/latecontent.h"
 
 #include "frame/archive.h"
+#include "frame/fileutils.h"
 #include "frame/interface.h"
 #include "project/projectfile.h"
 
@@ -63,10 +64,8 @@ bool writeAll(Vela::Archive &archive, const QString &name, const QByteArray &dat
     if (!device)
         return false;
     bool written = device->write(data) == data.size();
-    // A full disk shows only when the buffer goes out. It takes a part first, without an error;
-    // asking for the rest brings the reason.
     if (auto *const file = qobject_cast<QFileDevice *>(device))
-        written = (file->flush() || file->flush()) && written;
+        written = Vela::flushFile(*file) && written;
     if (written)
         return archive.commitFile(device);
     error = writeFailure(name, device->errorString());

@@ -3,6 +3,8 @@
 
 #include "lantern/spooldevice.h"
 
+#include "frame/fileutils.h"
+
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFileInfo>
@@ -140,7 +142,7 @@ bool ZipWriter::commit()
     for (auto entry = m_entries.cbegin(); written && entry != m_entries.cend(); ++entry)
         written = copyEntry(zip, entry.key(), entry.value());
     zip.close();
-    return written && zip.getZipError() == ZIP_OK && target.commit();
+    return written && zip.getZipError() == ZIP_OK && Vela::commitFile(target);
 }
 
 bool ZipWriter::copyEntry(QuaZip &zip, const QString &name, int number)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cache/filecache.h"
 
+#include "frame/fileutils.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -46,9 +48,7 @@ bool FileCache::Item::setRawData(const QByteArray &data, unsigned int encoding, 
     // The old file stays until the new one is whole.
     QSaveFile file(m_fileName);
     file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size()
-        || !file.flush() // which commit() does not ask about
-        || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(data) != data.size() || !commitFile(file))
         return false;
     return StreamCache::Item::setRawData(data, encoding, codecData, crc);
 }

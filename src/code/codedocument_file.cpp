@@ -3,6 +3,7 @@
 #include "code/codedocument_p.h"
 #include "code/tabs.h"
 #include "frame/filesystemarchive.h"
+#include "frame/fileutils.h"
 #include "frame/jobstats.h"
 #include "frame/textcodecs.h"
 
@@ -122,10 +123,8 @@ unsigned int write(QIODevice *device, QString text, int codec, unsigned int flag
     if (flags & utf8MarkFlag)
         data.prepend("\xEF\xBB\xBF");
     bool isWritten = device->write(data) == data.size();
-    // A full disk shows only when the buffer goes out. It takes a part first, without an error;
-    // asking for the rest brings the reason.
     if (auto *const file = qobject_cast<QFileDevice *>(device))
-        isWritten = (file->flush() || file->flush()) && isWritten;
+        isWritten = flushFile(*file) && isWritten;
     return isWritten ? flags : flags | writeFailedFlag;
 }
 

@@ -67,7 +67,7 @@ void save(const QString &path, const QString &text)
     if (!file.open(QIODevice::WriteOnly))
         return;
     file.write(text.toUtf8());
-    file.commit();
+    commitFile(file);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "engine/engineprivate.h"
 
 #include "engine/engine.h"
+#include "frame/fileutils.h"
 #include "frame/interface.h"
 
 #include <QColor>
@@ -207,7 +208,7 @@ bool EnginePrivate::save()
         const bool written = save(&writer);
         writer.writeEndDocument();
         // Behind a character that XML cannot hold the writer leaves names and values out.
-        saved = written && file.commit();
+        saved = written && commitFile(file);
     }
     if (!saved)
         showFileError(tr("Can't save engine configuration to '%1'!").arg(file.fileName()));

@@ -115,8 +115,7 @@ void File::bringToDisk()
 {
     if (!isWritable())
         return;
-    // A disk that fills up takes a part at first; asking for the rest brings the reason.
-    if (!flush() && !flush())
+    if (!flushFile(*this))
         noteFailure(errorString());
     else if (isReplacement() && !syncToDisk(*this))
         noteFailure(qt_error_string());

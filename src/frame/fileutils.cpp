@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QIODevice>
 #include <QRegExp>
+#include <QSaveFile>
 
 #include <algorithm>
 
@@ -188,6 +189,19 @@ void skipRead(QIODevice *device, unsigned int count)
         device->read(discarded, part);
         count -= part;
     }
+}
+
+// A full disk shows only when the buffer goes out. It takes a part first, without an error; asking
+// for the rest brings the reason.
+bool flushFile(QFileDevice &file)
+{
+    return file.flush() || file.flush();
+}
+
+// commit() itself does not ask whether the buffer went out.
+bool commitFile(QSaveFile &file)
+{
+    return flushFile(file) && file.commit();
 }
 
 } // namespace Vela

@@ -7,7 +7,9 @@
 #include <QString>
 #include <QStringList>
 
+class QFileDevice;
 class QIODevice;
+class QSaveFile;
 class QWidget;
 
 namespace Vela {
@@ -51,5 +53,13 @@ VELA_EXPORT QString randomString(int length);
 /// Reads and discards \a count bytes, for devices that cannot seek. Goes on asking at the end of
 /// the device.
 VELA_EXPORT void skipRead(QIODevice *device, unsigned int count);
+
+/// Writes what a file still holds back. Returns false, with the reason in the file's errorString(),
+/// if that is not possible.
+VELA_EXPORT bool flushFile(QFileDevice &file);
+
+/// Puts a new file in the place of the old one, if all of it can be written; otherwise the old one
+/// stands, and the result is false.
+VELA_EXPORT bool commitFile(QSaveFile &file);
 
 } // namespace Vela

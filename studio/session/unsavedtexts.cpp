@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "studio/session/unsavedtexts.h"
 
+#include "frame/fileutils.h"
 #include "frame/textcodecs.h"
 #include "studio/session/recovery.h"
 
@@ -165,7 +166,7 @@ bool UnsavedTexts::write(const UnsavedText &text, QString *error)
     const bool isWritten = file.open(QIODevice::WriteOnly)
         && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
         && file.write(head) == head.size() && file.write(content) == content.size()
-        && file.commit();
+        && Vela::commitFile(file);
     if (!isWritten)
         *error = tr("%1: the unsaved text cannot be written: %2")
                      .arg(file.fileName(), file.errorString());
@@ -272,7 +273,8 @@ bool LeftTexts::putBack(const UnsavedText &text, const QString &fileName, QStrin
     const QByteArray content = Vela::TextCodecs::stringToData(lines, text.codec());
     QDir().mkpath(QFileInfo(*written).absolutePath());
     QSaveFile file(*written);
-    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit())
+    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
+        && Vela::commitFile(file))
         return discard(text, error);
     *error = tr("%1: cannot be written: %2").arg(*written, file.errorString());
     return false;
