@@ -10,7 +10,7 @@ namespace Vela {
 
 namespace {
 
-// Takes no more memory than the file has bytes there.
+// Takes no more memory than the file has bytes there. Returns nothing if these cannot be read.
 std::optional<QByteArray> readRegion(const QString &fileName, qint64 offset, qint64 size)
 {
     QFile file(fileName);
@@ -19,7 +19,8 @@ std::optional<QByteArray> readRegion(const QString &fileName, qint64 offset, qin
     const qint64 length = std::min(size, file.size() - offset);
     if (length <= 0)
         return QByteArray();
-    return file.seek(offset) ? std::make_optional(file.read(length)) : std::nullopt;
+    const QByteArray bytes = file.seek(offset) ? file.read(length) : QByteArray();
+    return bytes.size() == length ? std::make_optional(bytes) : std::nullopt;
 }
 
 } // namespace
@@ -103,7 +104,8 @@ StreamCache::Item *AsyncFileCache::newItem(const QVariant &source)
     return item;
 }
 
-// Runs on a thread of the pool. The item outlives it, as its destructor waits.
+// Runs on a thread of the pool, or on the one that waits for it. The item outlives it, as its
+// destructor waits.
 void AsyncFileCache::load(Item *item)
 {
     const std::optional<QByteArray> bytes =

@@ -72,7 +72,9 @@ public:
     Item *addAsyncItem(const Item::Info &info);
 
 Q_SIGNALS:
-    /// Emitted on a thread of the global pool.
+    /// Emitted on a thread of the global pool, or on the one that waits for the load, also to
+    /// delete the item. A receiver called directly must not wait for the item or store in it; a
+    /// queued call may come when the item is gone.
     void itemLoaded(const Vela::AsyncFileCache::Item *item);
 
 private:

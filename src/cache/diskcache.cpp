@@ -38,8 +38,11 @@ bool DiskItem::storePacked(const QByteArray &packed)
 
 DiskCachePrivate::DiskCachePrivate()
 {
-    // The name is asked for here, as this is what makes a file that others can open.
-    if (m_file.open())
+    // Without a buffer, which would keep what a full disk has refused and write it later, in the
+    // place of something else. The name is asked for here, as this is what makes a file that others
+    // can open.
+    QFile &file = m_file; // a QTemporaryFile lets nobody choose the mode
+    if (file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
         m_fileName = m_file.fileName();
 }
 
@@ -82,16 +85,19 @@ void DiskCachePrivate::compact()
     m_used = 0;
     for (const auto &[offset, item] : m_items) {
         if (!move(offset, m_used, item->m_length)) {
-            item->m_offset = -1; // lost with the disk
-            item->m_length = 0;
-            continue;
+            if (m_used + item->m_length > offset) { // overwritten in part: lost with the disk
+                m_live -= item->m_length;
+                item->m_offset = -1;
+                item->m_length = 0;
+                continue;
+            }
+            m_used = offset; // it stays where it is
         }
         item->m_offset = m_used;
         moved.emplace_hint(moved.end(), m_used, item);
         m_used += item->m_length;
     }
     m_items.swap(moved);
-    m_live = m_used;
 }
 
 // Moves towards the front; the two places may overlap.
@@ -111,8 +117,7 @@ bool DiskCachePrivate::move(qint64 from, qint64 to, quint32 length)
 
 bool DiskCachePrivate::write(const char *data, qint64 offset, qint64 length)
 {
-    return m_file.isOpen() && m_file.seek(offset) && m_file.write(data, length) == length
-        && m_file.flush();
+    return m_file.isOpen() && m_file.seek(offset) && m_file.write(data, length) == length;
 }
 
 DiskCache::DiskCache(Codec *codec)

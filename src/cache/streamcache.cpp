@@ -176,9 +176,13 @@ public:
 
     unsigned int crc()
     {
-        if (m_item->crc() == 0)
-            m_item->cache()->setCrc(m_item, crcOf(data()));
-        return m_item->crc();
+        unsigned int crc = m_item->crc();
+        if (crc == 0) {
+            crc = crcOf(data());
+            // Not asked for again, as a load that ends now may reset it.
+            m_item->cache()->setCrc(m_item, crc);
+        }
+        return crc;
     }
 
 private:

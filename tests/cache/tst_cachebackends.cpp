@@ -189,6 +189,46 @@ private Q_SLOTS:
         QCOMPARE(item->rawData(), QByteArray(30000, 'b'));
     }
 
+    // The stream is so short that a buffer of the file would take it.
+    void fullDiskLeavesNothingBehind()
+    {
+        DiskCache cache(nullptr);
+        StreamCache::Item *item = cache.addItem(QVariant());
+        StreamCache::Item *other = cache.addItem(QVariant());
+        QVERIFY(store(item, QByteArray(3000, 'a')));
+        {
+            const FullDisk full(4096);
+            QVERIFY(!store(other, QByteArray(10000, 'b')));
+            QCOMPARE(item->rawData(), QByteArray(3000, 'a'));
+        }
+        QVERIFY(store(other, "other"));
+        QCOMPARE(other->rawData(), QByteArray("other"));
+        QCOMPARE(item->rawData(), QByteArray(3000, 'a'));
+    }
+
+    // A stream that cannot be moved to the gap in front of it stays.
+    void fullDiskStopsTheMoves()
+    {
+        DiskCache cache(nullptr);
+        StreamCache::Item *items[3];
+        for (StreamCache::Item *&item : items)
+            item = cache.addItem(QVariant());
+        QVERIFY(store(items[0], QByteArray(10000, 'a')) && store(items[1], QByteArray(3000, 'b'))
+                && store(items[2], QByteArray(2000, 'c')));
+        const auto check = [&items] {
+            QCOMPARE(items[1]->rawData(), QByteArray(3000, 'b'));
+            QCOMPARE(items[2]->rawData(), QByteArray(2000, 'c'));
+        };
+        {
+            const FullDisk full(100);
+            QVERIFY(store(items[0], QByteArray()));
+            check();
+        }
+        QVERIFY(store(items[0], "again"));
+        check();
+        QCOMPARE(items[0]->rawData(), QByteArray("again"));
+    }
+
     void diskFileGoneUnderneath()
     {
         DiskCache cache(nullptr);
