@@ -10,26 +10,15 @@
 
 namespace Vela {
 
-namespace {
-
-// Only what decodeSample() knows may reach the views.
-bool isKnown(quint16 precision)
-{
-    return precision == 8 || precision == 16 || precision == 20 || precision == 24
-        || precision == 32;
-}
-
-} // namespace
-
 AudioDataPrivate::AudioDataPrivate(AudioData *audio)
     : q(audio)
     , cache(StreamCache::instance(nullptr, StreamCache::Default))
 {
 }
 
-QByteArray AudioDataPrivate::read(int position, int length) const
+QByteArray AudioDataPrivate::read(int position, int length)
 {
-    Q_ASSERT(m_gapLength == 0);
+    settle();
     return data.mid(position, length);
 }
 
@@ -141,7 +130,11 @@ AudioData::AudioData(QObject *parent)
 {
 }
 
-AudioData::~AudioData() = default;
+AudioData::~AudioData()
+{
+    // The stack tells of its end, too, to slots that may look at this sound.
+    d->undoStack.blockSignals(true);
+}
 
 void AudioData::setSample(const SoundSample &sample)
 {
@@ -150,7 +143,8 @@ void AudioData::setSample(const SoundSample &sample)
     d->draggedFrom.reset();
     const quint32 before = d->info.samples;
     d->info = sample;
-    d->frameSize = isKnown(sample.precision) ? quint32(Vela::frameSize(sample)) : 0;
+    // Only what decodeSample() knows may reach the views.
+    d->frameSize = isKnownPrecision(sample.precision) ? quint32(Vela::frameSize(sample)) : 0;
     d->info.samples = d->frameSize > 0 ? quint32(wholeFrames(sample)) : 0;
     d->data = sample.data.left(int(d->info.samples * d->frameSize));
     d->selectionStart = 0;
@@ -167,6 +161,7 @@ const SampleInfo &AudioData::info() const
 
 const QByteArray &AudioData::data() const
 {
+    d->settle(); // a slot may ask in the middle of an edit
     return d->data;
 }
 
@@ -214,7 +209,7 @@ QByteArray AudioData::selectedBytes() const
     unsigned int high = 0;
     selection(low, high);
     return low == high ? QByteArray()
-                       : d->data.mid(int(d->frameSize * low), int(d->frameSize * (high - low)));
+                       : data().mid(int(d->frameSize * low), int(d->frameSize * (high - low)));
 }
 
 bool AudioData::replaceSelection(const QByteArray &bytes)

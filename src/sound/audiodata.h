@@ -72,8 +72,8 @@ Q_SIGNALS:
     void sampleChanged();
     void selectionChanged(unsigned int start, unsigned int end);
     /// A part of the sound is another: \a removed frames from \a from on have given way to
-    /// \a inserted ones. Comes for each part, before sampleChanged(), while data() is not to be
-    /// asked for.
+    /// \a inserted ones. Comes for each part, before sampleChanged(); data() may have the parts
+    /// that are still to come already.
     void framesReplaced(unsigned int from, unsigned int removed, unsigned int inserted);
 
 private:

@@ -13,13 +13,14 @@ namespace Vela {
 /// Positions and lengths are bytes here, and fit in an int as the whole sound does.
 ///
 /// remove() leaves a gap in the data that the next insert() fills, so that a replacement moves the
-/// tail of the sound once. Whoever begins an edit ends it with settle(), which closes the gap.
+/// tail of the sound once. Whoever begins an edit ends it with settle(), which closes the gap;
+/// whoever looks at the data before does so, too.
 class AudioDataPrivate
 {
 public:
     explicit AudioDataPrivate(AudioData *audio);
 
-    QByteArray read(int position, int length) const;
+    QByteArray read(int position, int length);
     void insert(int position, const QByteArray &bytes);
     void remove(int position, int length);
     void overwrite(int position, const QByteArray &bytes);

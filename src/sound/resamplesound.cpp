@@ -10,12 +10,6 @@ namespace Vela {
 
 namespace {
 
-bool isKnown(unsigned short precision)
-{
-    return precision == 8 || precision == 16 || precision == 20 || precision == 24
-        || precision == 32;
-}
-
 // Interleaved frames as numbers from -1 to 1.
 class FloatFrames
 {
@@ -152,8 +146,8 @@ void FloatFrames::encode(unsigned short precision, QByteArray *bytes) const
 
 bool resampleSound(SoundSample &sound, SampleInfo target)
 {
-    if (!isKnown(sound.precision) || !isKnown(target.precision) || sound.channels == 0
-        || qint64(sound.samples) * frameSize(sound) > sound.data.size())
+    if (!isKnownPrecision(sound.precision) || !isKnownPrecision(target.precision)
+        || sound.channels == 0 || qint64(sound.samples) * frameSize(sound) > sound.data.size())
         return false;
     const bool keepsFrequency = target.frequency == sound.frequency;
     if (keepsFrequency && target.channels == sound.channels && target.precision == sound.precision)

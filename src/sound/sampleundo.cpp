@@ -33,7 +33,7 @@ QByteArray SampleUndoCommand::kept() const
 {
     QByteArray bytes = m_refused.isEmpty() ? m_item->data() : m_refused;
     if (bytes.size() != m_length)
-        bytes = QByteArray(m_length, 0);
+        bytes = QByteArray(m_length, m_audio->info.precision == 8 ? '\x80' : '\0');
     return bytes;
 }
 

@@ -14,7 +14,7 @@ namespace Vela {
 VELA_EXPORT const char *soundFileExtension(SoundExtensionType type);
 
 /// Reads a sound. \a format is "WAV", "OGG", "FLAC", "MP3" or the word of a SoundLoader. Returns
-/// whether \a sample holds any frames; on failure it may be empty or hold what was decoded.
+/// whether \a sample got data. If not it has none, or is as it was where the device does not open.
 VELA_EXPORT bool loadSound(QIODevice *device, const char *format, SoundSample &sample);
 /// Writes a sound. \a format is "WAV", "OGG", "FLAC" or the word of a SoundSaver.
 VELA_EXPORT bool saveSound(QIODevice *device, const char *format, const SoundSample &sample);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "sound/soundplayer.h"
 
-#include "sound/soundsample.h"
+#include "sound/samplebytes_p.h"
 
 #include <SFML/Audio/Music.hpp>
 #include <SFML/Audio/Sound.hpp>
@@ -91,10 +91,9 @@ SoundBuffer *SoundPlayer::createBuffer(const SoundSample &sample) const
     SoundSample sound = sample;
     SampleInfo target = sample;
     target.precision = 16;
-    if (sound.channels == 0 || (sound.precision != 16 && !resampleSound(sound, target)))
+    if (sound.precision != 16 && !resampleSound(sound, target))
         return nullptr;
-    const quint64 frames =
-        std::min<quint64>(sound.samples, quint64(sound.data.size()) / (2u * sound.channels));
+    const auto frames = sf::Uint64(wholeFrames(sound));
     auto buffer = std::make_unique<SoundBuffer>();
     if (frames == 0
         || !buffer->loadFromSamples(reinterpret_cast<const sf::Int16 *>(sound.data.constData()),

@@ -46,14 +46,15 @@ constexpr int frameSize(const SampleInfo &info)
     return info.channels * sampleSize(info.precision);
 }
 
-// One sample of \a precision bits, in the bytes that SoundSample::data has for it.
+// One sample of \a precision bits, in the bytes that SoundSample::data has for it. What is written
+// is rounded towards zero; where it takes three bytes that is at 32 bits, of which the lowest eight
+// are cut off.
 
 /// Returns a sample as a number from -1 to just below 1.
 VELA_EXPORT float decodeSample(const void *sample, unsigned short precision);
-/// Writes a number as a sample, rounded towards zero. Nothing is clipped: \a value has to be from
-/// -1 to below 1.
+/// Writes a number as a sample. Nothing is clipped: \a value has to be from -1 to below 1.
 VELA_EXPORT void encodeSample(float value, void *sample, unsigned short precision);
-/// Writes the sample \a in times \a factor, rounded towards zero and clipped. Both may be the same.
+/// Writes the sample \a in times \a factor, clipped. Both may be the same.
 VELA_EXPORT void scaleSample(void *out, const void *in, float factor, unsigned short precision);
 
 /// Gives a sound the frequency, the channels and the precision of \a target; how many frames it

@@ -182,8 +182,9 @@ SoundSample soundFromWAV(QIODevice *device)
 
 SampleInfo soundInfoFromWAV(QIODevice *device)
 {
+    QByteArray header;
     QByteArray content;
-    if (!openDevice(device, QIODevice::ReadOnly) || device->read(riffHeaderSize).isEmpty()
+    if (!openDevice(device, QIODevice::ReadOnly) || !append(device, riffHeaderSize, &header)
         || !append(device, std::numeric_limits<qint64>::max(), &content))
         return {};
     Frames frames;

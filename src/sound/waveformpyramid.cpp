@@ -36,7 +36,7 @@ void WaveformPyramid::replace(quint32 from, quint32 removed, quint32 inserted)
 {
     m_allKnown = false;
     if (m_known.empty() || from > m_first.back() || removed > m_first.back() - from)
-        return m_first.clear(); // repair() begins anew
+        return m_known.clear(); // repair() begins anew
     std::size_t begin = chunkAt(from);
     std::size_t end = begin + 1;
     while (m_first[end] < from + removed)
@@ -88,7 +88,7 @@ void WaveformPyramid::reset(const SampleView &sound)
 
 void WaveformPyramid::repair(const SampleView &sound)
 {
-    const bool fits = !m_first.empty() && m_first.back() == sound.frames
+    const bool fits = !m_known.empty() && m_first.back() == sound.frames
         && m_sound.channels == sound.channels && m_sound.precision == sound.precision;
     m_sound = sound;
     if (fits && m_allKnown)

@@ -4,8 +4,10 @@
 #include "support/limits_unix.h"
 #include "support/recordinghost.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUndoStack>
 #include <random>
@@ -397,6 +399,61 @@ private Q_SLOTS:
         }
         audio.undo();
         QCOMPARE(audio.data(), sound.data);
+    }
+
+    // The steps before still fit, then.
+    void whatTheDiskHasLostIsSilence()
+    {
+        const QTemporaryDir folder;
+        const QByteArray usual = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(folder.path()));
+        RecordingHost host;
+        host.options.insert(QStringLiteral("cache_type"), 2);
+        AudioData narrow;
+        AudioData wide;
+        qputenv("TMPDIR", usual);
+        narrow.setSample({{1, 8, 8000, 4}, "abcd"});
+        wide.setSample({{1, 16, 8000, 4}, "abcdefgh"});
+        for (AudioData *const audio : {&narrow, &wide}) {
+            audio->select(0, 2);
+            QVERIFY(audio->replaceSelection(QByteArray()));
+        }
+        const QFileInfoList files = QDir(folder.path()).entryInfoList(QDir::Files);
+        QCOMPARE(files.size(), 2);
+        for (const QFileInfo &file : files)
+            QVERIFY(QFile::resize(file.filePath(), 0));
+        narrow.undo();
+        QCOMPARE(narrow.data(),
+                 QByteArray("\x80\x80"
+                            "cd"));
+        wide.undo();
+        QCOMPARE(wide.data(), QByteArray("\0\0\0\0efgh", 8));
+    }
+
+    // The undo stack tells of its steps in the middle of an edit.
+    void dataIsWholeAtAnyTime()
+    {
+        AudioData audio;
+        set(audio, "0123456789", 2, 6);
+        QList<QByteArray> seen;
+        const auto look = [&] { seen.append(audio.data()); };
+        connect(audio.undoStack(), &QUndoStack::indexChanged, &audio, look);
+        connect(&audio, &AudioData::framesReplaced, &audio, look);
+        QVERIFY(audio.replaceSelection("xy"));
+        QCOMPARE(seen, (QList<QByteArray>{"016789", "01xy6789", "01xy6789"}));
+        audio.undo();
+        QCOMPARE(seen.mid(3), (QList<QByteArray>{"016789", "0123456789", "0123456789"}));
+        disconnect(&audio, nullptr, &audio, nullptr);
+        seen.clear();
+        audio.select(0, 0);
+        audio.undoStack()->beginMacro(QString());
+        for (const char *bytes : {"xyz", "vw"}) {
+            audio.select(1, 2);
+            QVERIFY(audio.replaceSelection(bytes));
+        }
+        audio.undoStack()->endMacro();
+        audio.undo();
+        QCOMPARE(seen, (QList<QByteArray>{"0vwyz23456789", "0123456789"}));
     }
 
     void moreThanMemoryTakesIsRefused()

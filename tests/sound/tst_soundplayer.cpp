@@ -76,8 +76,10 @@ private Q_SLOTS:
     {
         SoundPlayer player(2);
         QCOMPARE(player.play(tones(20), true, 100), 0);
-        QCOMPARE(player.play(tones(20), false, 100), 1);
+        QCOMPARE(player.play(tones(20), true, 100), 1);
         QCOMPARE(player.play(tones(20), false, 100), -1);
+        player.stop(1);
+        QCOMPARE(player.play(tones(20), false, 100), 1);
         QTRY_VERIFY(!player.isPlaying(1));
         QVERIFY(player.isPlaying(0)); // in a loop
         QCOMPARE(player.play(tones(20), true, 100), 1);

@@ -108,6 +108,8 @@ void TestWav::isRead()
     const SampleInfo info = soundInfoFromWAV(&buffer);
     if (samples < 0) {
         QVERIFY(sound == SoundSample());
+        // The words around the format are not looked at.
+        QCOMPARE(int(info.channels), file.contains("WAVX") ? 2 : 0);
         return;
     }
     QCOMPARE(sound.data, QByteArray("0123456789AB"));
