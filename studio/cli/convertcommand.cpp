@@ -66,11 +66,13 @@ bool readColors(const QString &text, int *colors)
     return isNumber && *colors >= 2 && *colors <= 256;
 }
 
+/// Whole turns are left out of \a degrees.
 bool readDegrees(const QString &text, double *degrees)
 {
     bool isNumber = false;
-    *degrees = text.toDouble(&isNumber);
-    return isNumber && std::abs(*degrees) <= 3600;
+    const double value = text.toDouble(&isNumber);
+    *degrees = std::fmod(value, 360);
+    return isNumber && std::abs(value) <= 3600;
 }
 
 /// Reads the options of a call. Returns false with a reason for the user.
@@ -104,10 +106,15 @@ QImage scaled(const QImage &image, QSize size, Vela::ImageResizeFilter filter)
     return result;
 }
 
+bool isQuarterTurn(double degrees)
+{
+    return std::fmod(degrees, 90) == 0;
+}
+
 /// Quarter turns keep each pixel.
 QImage rotated(const QImage &image, double degrees)
 {
-    if (std::fmod(degrees, 90) == 0)
+    if (isQuarterTurn(degrees))
         return image.transformed(QTransform().rotate(degrees));
     const bool isIndexed = image.format() == QImage::Format_Indexed8;
     const int fill = isIndexed ? qMax(0, transparentColor(image.colorTable())) : 0;
@@ -117,19 +124,52 @@ QImage rotated(const QImage &image, double degrees)
     return result;
 }
 
-/// Returns a null image where memory does not hold the result.
+/// Returns the offset of a turned image of which \a size was the size. Null for turns that do not
+/// keep each pixel.
+QPointF turnedOffset(QPointF offset, QSize size, double degrees)
+{
+    if (!isQuarterTurn(degrees))
+        return {};
+    const QTransform turn =
+        QImage::trueMatrix(QTransform().rotate(degrees), size.width(), size.height());
+    const QPointF middle(0.5, 0.5); // of a pixel
+    return middle - turn.map(middle - offset);
+}
+
+/// Returns a place within what whole numbers hold.
+QPoint bounded(QPointF place)
+{
+    constexpr double limit = 0x3FFFFFFF;
+    return QPoint(qRound(qBound(-limit, place.x(), limit)),
+                  qRound(qBound(-limit, place.y(), limit)));
+}
+
+/// Returns a null image where memory does not hold the result. An offset goes along with its image:
+/// it tells the axis of a sprite.
 QImage changed(QImage image, const Changes &changes)
 {
-    if (changes.isCropped)
-        Vela::cropImage(image, nullptr, 0);
-    if (changes.size.isValid())
+    const bool hasOffset = !image.offset().isNull();
+    QPointF offset = image.offset();
+    if (changes.isCropped) {
+        QPoint corner;
+        Vela::cropImage(image, &corner, 0);
+        offset += corner;
+    }
+    if (changes.size.isValid()) {
+        offset = {offset.x() * changes.size.width() / image.width(),
+                  offset.y() * changes.size.height() / image.height()};
         image = scaled(image, changes.size, changes.filter);
-    if (changes.degrees != 0)
+    }
+    if (changes.degrees != 0) {
+        offset = turnedOffset(offset, image.size(), changes.degrees);
         image = rotated(image, changes.degrees);
+    }
     if (changes.palette)
         image = fittedToPalette(image, *changes.palette);
     if (changes.colors > 0)
         image = reducedToColors(image, changes.colors);
+    if (hasOffset)
+        image.setOffset(bounded(offset));
     return image;
 }
 
@@ -144,6 +184,28 @@ bool hasTransparency(const QImage &image)
             return true;
     }
     return false;
+}
+
+/// Returns what to tell of the transparency that an image loses in a format; null if it loses none.
+/// That of a palette's first color is no loss: sprites have it anyway.
+QString lostTransparency(QImage image, const QByteArray &format)
+{
+    QVector<QRgb> colors = image.colorTable();
+    QString loss;
+    if (format == "BMP") {
+        loss = QStringLiteral("a BMP holds no transparency");
+    } else if (format == "PCX" && !colors.isEmpty()) {
+        loss = QStringLiteral("a PCX with a palette holds no transparency");
+        colors.first() |= ~RGB_MASK;
+    } else if (format == "GIF") {
+        loss = QStringLiteral("a GIF holds no partial transparency");
+        for (QRgb &color : colors)
+            color |= qAlpha(color) == 0 ? ~RGB_MASK : 0;
+    } else {
+        return {};
+    }
+    image.setColorTable(colors);
+    return hasTransparency(image) ? loss : QString();
 }
 
 bool encodePaletteOf(const QImage &image, const QByteArray &format, QByteArray *bytes,
@@ -173,10 +235,12 @@ bool convertImage(const Call &call, const Changes &changes, const ImageFormat &t
         *error = QStringLiteral("%1: %2").arg(out, *error);
         if (to.word == "GIF" && image.format() != QImage::Format_Indexed8)
             *error += QStringLiteral("; --colors or --palette gives it one");
-    } else if (to.word == "BMP" && hasTransparency(image) && !call.options.testFlag(Quiet)) {
-        Console::report(QStringLiteral("warning: %1: a BMP holds no transparency").arg(out));
+        return false;
     }
-    return isEncoded;
+    const QString loss = lostTransparency(image, to.word);
+    if (!loss.isEmpty() && !call.options.testFlag(Quiet))
+        Console::report(QStringLiteral("warning: %1: %2").arg(out, loss));
+    return true;
 }
 
 bool convertPalette(const Call &call, const ImageFormat &to, QByteArray *bytes, QString *error)

@@ -2,6 +2,7 @@
 #include "studio/cli/imagefiles.h"
 
 #include "engine/extensionmanager.h"
+#include "frame/fileutils.h"
 #include "image/imageformats.h"
 #include "image/paletteobject.h"
 #include "studio/cli/commandline.h"
@@ -146,7 +147,8 @@ bool encodeImage(const QImage &image, const QByteArray &format, QByteArray *byte
 bool writeFile(const QString &file, const QByteArray &bytes, QString *error)
 {
     QSaveFile device(ProjectSession::normalizedPath(file));
-    if (device.open(QIODevice::WriteOnly) && device.write(bytes) == bytes.size() && device.commit())
+    if (device.open(QIODevice::WriteOnly) && device.write(bytes) == bytes.size()
+        && Vela::commitFile(device))
         return true;
     return fail(file, device.errorString(), error);
 }

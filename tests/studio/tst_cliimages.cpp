@@ -2,6 +2,7 @@
 #include "image/otherprogram.h"
 #include "studio/clirun.h"
 #include "studio/smallgame.h"
+#include "support/limits_unix.h"
 
 #include <QJsonArray>
 #include <QTemporaryDir>
@@ -146,6 +147,8 @@ private Q_SLOTS:
     void geometry_data();
     void geometry();
     void palettesStayInTheirOrder();
+    void offsetsGoAlong();
+    void lostTransparencyIsTold();
     void imagesAreFittedToPalettes();
     void colorsAreReduced_data();
     void colorsAreReduced();
@@ -153,6 +156,7 @@ private Q_SLOTS:
     void whatCannotBeIsRefused();
     void theCommandsHaveHelp();
     void theInputIsReplacedAtOnce();
+    void fullDisksAreTold();
 
     void spritesComeAndGo();
     void manyImagesKeepTheirOrder();
@@ -311,6 +315,7 @@ void TestCliImages::palettesStayInTheirOrder()
         {"--scale 4x6 --filter hq-nearest", {4, 6}, nullptr},
         {"--scale 8x8 --filter hq-bilinear", {8, 8}, nullptr},
         {"--rotate 90", {2, 2}, "1042"},
+        {"--rotate 450", {2, 2}, "1042"},
         {"--rotate 45", {2, 2}, nullptr},
         {"--colors 5", {2, 2}, "0214"},
     };
@@ -338,6 +343,66 @@ void TestCliImages::palettesStayInTheirOrder()
     QCOMPARE(vela(QStringLiteral("convert @/out.gif @/out.png")).code, 0);
     QCOMPARE(indicesOf(QImage(path(QStringLiteral("out.png")))), QByteArray("0113"));
     QCOMPARE(rgbaOf(path(QStringLiteral("out.png"))), pixelsOf("r  g", true));
+}
+
+// The axis of a sprite is told by the offset, which stays on its pixel.
+void TestCliImages::offsetsGoAlong()
+{
+    QImage image = indexedImage(" r", {4, 3}, "000001100000");
+    image.setOffset({-2, -1});
+    QVERIFY(image.save(path(QStringLiteral("in.png"))));
+    const struct
+    {
+        const char *options;
+        QPoint offset;
+    } rows[] = {
+        {"", {-2, -1}},
+        {"--crop", {-1, 0}},
+        {"--scale 8x9", {-4, -3}},
+        {"--rotate 90", {-1, -2}},
+        {"--rotate -90", {-1, -1}},
+        {"--rotate 180", {-1, -1}},
+        {"--crop --scale 4x2 --rotate 90", {-1, -2}},
+        {"--rotate 45", {0, 0}},
+        {"--colors 2", {-2, -1}},
+        {"--palette @/in.png", {-2, -1}},
+    };
+    for (const auto &row : rows) {
+        const Result result =
+            vela(QStringLiteral("convert @/in.png @/out.png ") + QString::fromUtf8(row.options));
+        QVERIFY2(result.code == 0, qPrintable(result.err));
+        QCOMPARE(QImage(path(QStringLiteral("out.png"))).offset(), row.offset);
+    }
+}
+
+void TestCliImages::lostTransparencyIsTold()
+{
+    QImage image = indexedImage(" r", {2, 1}, "01");
+    QVERIFY(image.save(path(QStringLiteral("first.png"))));
+    image.setColor(1, qRgba(255, 0, 0, 100));
+    QVERIFY(image.save(path(QStringLiteral("partial.png"))));
+    QVERIFY(indexedImage("r ", {2, 1}, "01").save(path(QStringLiteral("second.png"))));
+    const struct
+    {
+        const char *names;
+        const char *warning;
+    } rows[] = {
+        {"first.png @/out.bmp", "a BMP holds no transparency"},
+        {"second.png @/out.pcx", "a PCX with a palette holds no transparency"},
+        {"partial.png @/out.gif", "a GIF holds no partial transparency"},
+        // The first color of a sprite is not seen anyway.
+        {"first.png @/out.pcx", nullptr},
+        {"second.png @/out.gif", nullptr},
+        {"partial.png @/out.png", nullptr},
+    };
+    for (const auto &row : rows) {
+        const Result result =
+            vela(QStringLiteral("convert @/%1").arg(QString::fromUtf8(row.names)));
+        QCOMPARE(result.code, 0);
+        QCOMPARE(!result.err.isEmpty(), row.warning != nullptr);
+        QVERIFY2(result.err.contains(QString::fromUtf8(row.warning)), row.names);
+    }
+    QCOMPARE(vela(QStringLiteral("convert @/first.png @/out.bmp -q")).err, QString());
 }
 
 void TestCliImages::imagesAreFittedToPalettes()
@@ -528,13 +593,23 @@ void TestCliImages::theInputIsReplacedAtOnce()
     QCOMPARE(rgbOf(file), pixelsOf("rrgg", false));
     QCOMPARE(QDir(m_folder).entryList(QDir::Files | QDir::Hidden),
              QStringList(QStringLiteral("in.png")));
+}
 
-    // A BMP does not hold what is see-through, which is told.
-    QVERIFY(makeImage(file, {2, 1}, pixelsOf("r ", true)));
-    const Result told = vela(QStringLiteral("convert @/in.png @/out.bmp"));
-    QCOMPARE(told.code, 0);
-    QVERIFY(told.err.contains(QStringLiteral("warning")));
-    QCOMPARE(vela(QStringLiteral("convert @/in.png @/out.bmp -q")).err, QString());
+void TestCliImages::fullDisksAreTold()
+{
+    const QString out = path(QStringLiteral("out.bmp"));
+    QVERIFY(makeImage(path(QStringLiteral("in.png")), {40, 40}, QByteArray(4800, 'x')));
+    QVERIFY(writeFile(out, "before"));
+    {
+        // Such a file stays in the buffer until its end.
+        const FullDisk disk(1024);
+        const Result result = vela(QStringLiteral("convert @/in.png @/out.bmp"));
+        QCOMPARE(result.code, 2);
+        QVERIFY2(result.err.contains(QStringLiteral("out.bmp: File too large")),
+                 qPrintable(result.err));
+    }
+    QCOMPARE(readFile(out), QByteArray("before"));
+    QCOMPARE(QDir(m_folder).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
 void TestCliImages::spritesComeAndGo()
