@@ -301,8 +301,9 @@ void FileView::showContent()
     auto *const sprites = dynamic_cast<Vela::Sprites *>(m_file);
     m_sprites->setSprites(sprites);
     if (sprites) {
-        m_note->setText(tr("%n sprites", nullptr, int(sprites->count())) + QStringLiteral(", ")
-                        + tr("%n palettes", nullptr, int(sprites->palettes()->count())));
+        m_note->setText(tr("Sprites: %1, palettes: %2")
+                            .arg(sprites->count())
+                            .arg(sprites->palettes()->count()));
         m_pages->setCurrentWidget(m_sprites);
     } else if (m_document) {
         m_note->setText(m_editor->isReadOnly() ? tr("Read-only view") : QString());

@@ -2,6 +2,7 @@
 #include "studio/window/palettegrid.h"
 
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QToolTip>
 
@@ -15,18 +16,37 @@ constexpr int Columns = 16;
 constexpr int UsualSide = 14;
 constexpr int LeastSide = 5;
 
+/// Returns how far an arrow key goes; 0 for another key.
+int stepOf(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+        return -1;
+    case Qt::Key_Right:
+        return 1;
+    case Qt::Key_Up:
+        return -Columns;
+    case Qt::Key_Down:
+        return Columns;
+    default:
+        return 0;
+    }
+}
+
 } // namespace
 
 PaletteGrid::PaletteGrid(QWidget *parent)
     : QWidget(parent)
 {
     setAccessibleName(tr("Palette"));
+    setFocusPolicy(Qt::TabFocus);
 }
 
 void PaletteGrid::setColors(const QVector<QRgb> &colors)
 {
     m_colors = colors;
-    setAccessibleDescription(tr("%n colors", nullptr, colors.size()));
+    m_current = 0;
+    setAccessibleDescription(tr("Colors: %1").arg(colors.size()));
     update();
 }
 
@@ -50,6 +70,17 @@ int PaletteGrid::colorAt(QPoint place) const
     return isInside ? index : -1;
 }
 
+QString PaletteGrid::nameOf(int index) const
+{
+    const QRgb color = m_colors.at(index);
+    return tr("%1: red %2, green %3, blue %4, alpha %5")
+        .arg(index)
+        .arg(qRed(color))
+        .arg(qGreen(color))
+        .arg(qBlue(color))
+        .arg(qAlpha(color));
+}
+
 QSize PaletteGrid::sizeHint() const
 {
     return {Columns * UsualSide + 1, Columns * UsualSide + 1};
@@ -71,16 +102,22 @@ bool PaletteGrid::event(QEvent *event)
         event->ignore();
         return true;
     }
-    const QRgb color = m_colors.at(index);
-    QToolTip::showText(help->globalPos(),
-                       tr("%1: red %2, green %3, blue %4, alpha %5")
-                           .arg(index)
-                           .arg(qRed(color))
-                           .arg(qGreen(color))
-                           .arg(qBlue(color))
-                           .arg(qAlpha(color)),
-                       this, cell(index));
+    QToolTip::showText(help->globalPos(), nameOf(index), this, cell(index));
     return true;
+}
+
+void PaletteGrid::keyPressEvent(QKeyEvent *event)
+{
+    const int step = stepOf(event->key());
+    if (step == 0)
+        return QWidget::keyPressEvent(event);
+    const int index = m_current + step;
+    if (index < 0 || index >= m_colors.size())
+        return;
+    m_current = index;
+    setAccessibleDescription(nameOf(index));
+    QToolTip::showText(mapToGlobal(cell(index).bottomRight()), nameOf(index), this, cell(index));
+    update();
 }
 
 // A colour that is not opaque shows the ground in its lower half; what cannot be seen shows nothing
@@ -99,6 +136,14 @@ void PaletteGrid::paintEvent(QPaintEvent *)
         painter.setPen(palette().color(QPalette::Window));
         painter.drawRect(area.adjusted(0, 0, -1, -1));
     }
+    if (!hasFocus() || m_current >= m_colors.size())
+        return;
+    // Two frames: one of them is seen on any colour.
+    const QRect area = cell(m_current).adjusted(0, 0, -1, -1);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawRect(area);
+    painter.setPen(palette().color(QPalette::Base));
+    painter.drawRect(area.adjusted(1, 1, -1, -1));
 }
 
 } // namespace Studio

@@ -6,7 +6,8 @@
 
 namespace Studio {
 
-/// The colours of a palette, 16 in a row. The one under the pointer is named in a tool tip.
+/// The colours of a palette, 16 in a row. The one under the pointer, or where the arrow keys have
+/// gone, is named in a tool tip.
 class PaletteGrid : public QWidget
 {
     Q_OBJECT
@@ -24,13 +25,16 @@ public:
 
 protected:
     bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     int cellSide() const;
     QRect cell(int index) const;
+    QString nameOf(int index) const;
 
     QVector<QRgb> m_colors;
+    int m_current = 0; ///< where the arrow keys have gone
 };
 
 } // namespace Studio

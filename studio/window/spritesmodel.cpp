@@ -13,9 +13,9 @@ namespace Studio {
 
 namespace {
 
-constexpr int Slice = 8;           // ms of work between two looks at what else there is to do
-constexpr int KeptPictures = 4000; // of 25 KB each, at 80 pixels a side
-constexpr int LongestQueue = 400;  // more than fit on a screen
+constexpr int Slice = 8;                 // ms of work between two looks at what else there is to do
+constexpr int KeptPictures = 100 * 1024; // KB, of 25 KB each at 80 pixels a side
+constexpr int LongestQueue = 400;        // more than fit on a screen
 
 } // namespace
 
@@ -109,13 +109,15 @@ QVariant SpritesModel::data(const QModelIndex &index, int role) const
     }
 }
 
+// Where the count is the same the old pictures stand until there are new ones.
 void SpritesModel::onChanged(bool count)
 {
-    forgetPictures();
     if (!m_sprites)
-        return;
+        return forgetPictures();
+    ++m_state;
     if (count || int(m_sprites->count()) != m_count) {
         beginResetModel();
+        forgetPictures();
         m_count = int(m_sprites->count());
         endResetModel();
     } else if (m_count > 0) {
@@ -132,13 +134,16 @@ void SpritesModel::forgetPictures()
 
 QVariant SpritesModel::picture(int row) const
 {
-    if (const QPixmap *const made = m_pictures.object(row))
-        return *made;
+    const Picture *const made = m_pictures.object(row);
+    if (made && made->state == m_state)
+        return made->pixmap;
     m_wanted.removeOne(row);
     m_wanted.append(row);
     if (m_wanted.size() > LongestQueue)
         m_wanted.removeFirst();
     m_filling.start();
+    if (made)
+        return made->pixmap;
     // What keeps the place until then.
     QPixmap empty(QSize(m_side, m_side) * m_ratio);
     empty.setDevicePixelRatio(m_ratio);
@@ -154,7 +159,9 @@ void SpritesModel::makePictures()
         const int row = m_wanted.takeLast();
         if (row >= m_count)
             continue;
-        m_pictures.insert(row, new QPixmap(makePicture(row)));
+        auto *const picture = new Picture{makePicture(row), m_state};
+        const QSize size = picture->pixmap.size();
+        m_pictures.insert(row, picture, std::max(1, size.width() * size.height() / 256));
         Q_EMIT dataChanged(index(row), index(row), {Qt::DecorationRole});
     }
     if (m_wanted.isEmpty())
@@ -164,7 +171,9 @@ void SpritesModel::makePictures()
 // Pixels stay square: small images grow by whole factors, only large ones are smoothed.
 QPixmap SpritesModel::makePicture(int row) const
 {
-    const QImage image = shownImage(*m_sprites->at(unsigned(row)));
+    // A change that is under way may have fewer sprites than are told yet.
+    const Vela::Sprite *const sprite = m_sprites->at(unsigned(row));
+    const QImage image = sprite ? shownImage(*sprite) : QImage();
     const int side = int(m_side * m_ratio);
     QPixmap picture(side, side);
     picture.fill(Qt::transparent);

@@ -40,6 +40,12 @@ public:
     QVariant data(const QModelIndex &index, int role) const override;
 
 private:
+    struct Picture
+    {
+        QPixmap pixmap;
+        int state = 0;
+    };
+
     void onChanged(bool count);
     void forgetPictures();
     QVariant picture(int row) const;
@@ -50,7 +56,8 @@ private:
     int m_count = 0;
     int m_side = 80;
     qreal m_ratio = 1;
-    mutable QCache<int, QPixmap> m_pictures;
+    mutable QCache<int, Picture> m_pictures;
+    int m_state = 0;               // of the sprites; a picture of another one is out of date
     mutable QVector<int> m_wanted; // rows, the most urgent one last
     mutable QTimer m_filling;
 };

@@ -66,7 +66,9 @@ SpritesView::SpritesView(QWidget *parent)
     m_image->setAccessibleName(tr("Current sprite"));
     m_words->setObjectName(QStringLiteral("spriteWords"));
     m_words->setWordWrap(true);
+    m_words->setTextFormat(Qt::PlainText);
     m_paletteName->setObjectName(QStringLiteral("paletteName"));
+    m_paletteName->setTextFormat(Qt::PlainText);
     m_palette->setObjectName(QStringLiteral("paletteGrid"));
 
     auto *const side = new QWidget;

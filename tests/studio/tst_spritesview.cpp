@@ -127,7 +127,15 @@ private Q_SLOTS:
         QHelpEvent help(QEvent::ToolTip, place, palette->mapToGlobal(place));
         QApplication::sendEvent(palette, &help);
         QCOMPARE(QToolTip::text(), QStringLiteral("5: red 250, green 50, blue 40, alpha 255"));
-        // The keys go on from there.
+        // The palette can do without the mouse.
+        palette->setFocus();
+        QTest::keyClick(palette, Qt::Key_Left);
+        QTest::keyClick(palette, Qt::Key_Right);
+        QTest::keyClick(palette, Qt::Key_Right);
+        QCOMPARE(QToolTip::text(), QStringLiteral("2: red 253, green 20, blue 40, alpha 255"));
+        QTest::keyClick(palette, Qt::Key_Down);
+        QVERIFY(palette->accessibleDescription().startsWith(QLatin1String("18: red 0")));
+        // The keys of the list go on from there.
         QTest::keyClick(list, Qt::Key_Right);
         QCOMPARE(view->currentSprite()->index(), 4u);
         f->click(list, view->model()->index(3));
