@@ -2,6 +2,8 @@
 // Documents with their tree and highlight: loading against setPlainText() on a bare QTextDocument
 // and against KSyntaxHighlighting where that is installed, both with the same text in turns; and
 // whether the cost of a job on a text of double length is the double.
+#include "processortime.h"
+
 #include "codetext.h"
 
 #include "lantern/document.h"
@@ -40,32 +42,17 @@ Document makeDocument()
             [](Lantern::Document *document) { document->release(); }};
 }
 
-/// Returns the time of the processor that the process has had, which other programs do not disturb.
-double processorSeconds()
-{
-    timespec time;
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
-}
-
-double secondsOf(const std::function<void()> &job)
-{
-    const double start = processorSeconds();
-    job();
-    return processorSeconds() - start;
-}
-
 double loadBare(const QString &text)
 {
     QTextDocument document;
     document.setDocumentLayout(new QPlainTextDocumentLayout(&document));
-    return secondsOf([&] { document.setPlainText(text); });
+    return processorSeconds([&] { document.setPlainText(text); });
 }
 
 double loadVela(const QString &text)
 {
     const Document document = makeDocument();
-    return secondsOf([&] { document->fromString(text); });
+    return processorSeconds([&] { document->fromString(text); });
 }
 
 #ifdef VELA_HAS_KSYNTAXHIGHLIGHTING
@@ -77,7 +64,7 @@ double loadPeer(const QString &text)
     KSyntaxHighlighting::SyntaxHighlighter highlighter(&document);
     highlighter.setTheme(repository.defaultTheme());
     highlighter.setDefinition(repository.definitionForName(QStringLiteral("INI Files")));
-    return secondsOf([&] { document.setPlainText(text); });
+    return processorSeconds([&] { document.setPlainText(text); });
 }
 #endif
 
@@ -235,7 +222,7 @@ double secondsOf(const Job &job, int lines)
 {
     const Document document = makeDocument();
     document->fromString(job.text(lines));
-    return secondsOf(job.prepare(*document, lines));
+    return processorSeconds(job.prepare(*document, lines));
 }
 
 void doubling(benchmark::State &state)

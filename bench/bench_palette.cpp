@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // PaletteObject::index() for a number of colours against the plain scan, with the same results.
+#include "processortime.h"
+
 #include "image/plainindex.h"
 
 #include "image/paletteobject.h"
 
 #include <benchmark/benchmark.h>
 
-#include <ctime>
 #include <random>
 #include <vector>
 
@@ -49,10 +50,10 @@ template <typename Find>
 double findAll(const std::vector<RGBA> &colors, std::vector<int> &indices, Find find)
 {
     indices.clear();
-    const std::clock_t start = std::clock();
-    for (RGBA color : colors)
-        indices.push_back(find(color));
-    return double(std::clock() - start) / CLOCKS_PER_SEC;
+    return processorSeconds([&] {
+        for (RGBA color : colors)
+            indices.push_back(find(color));
+    });
 }
 
 void index(benchmark::State &state)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // PCX and GIF: loadPCX() against reading a byte at a time and, where it is installed, libavcodec;
 // GIFImage::load() against what giflib alone takes. The results are compared, too.
+#include "processortime.h"
+
 #include "image/samplepixels.h"
 
 #include "image/gifimage.h"
@@ -14,9 +16,6 @@
 #include <gif_lib.h>
 
 #include <cstring>
-#include <ctime>
-#include <functional>
-#include <limits>
 
 #ifdef VELA_HAS_LIBAVCODEC
 extern "C" {
@@ -27,19 +26,6 @@ extern "C" {
 namespace {
 
 constexpr QSize pictureSize(1024, 1024);
-
-/// Processor time, the least of all runs.
-struct BestTime
-{
-    double seconds = std::numeric_limits<double>::infinity();
-
-    void measure(const std::function<void()> &job)
-    {
-        const std::clock_t start = std::clock();
-        job();
-        seconds = qMin(seconds, double(std::clock() - start) / CLOCKS_PER_SEC);
-    }
-};
 
 /// An indexed picture, or one of three planes.
 QImage picture(SamplePixels::Kind kind, bool isIndexed)

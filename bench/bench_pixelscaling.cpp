@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // EPX and HQ scaling: EPX against the plain way, and both against the filters of libavfilter with
 // one thread where that is installed. The results are compared, too.
+#include "processortime.h"
+
 #include "image/plainepx.h"
 
 #include "image/pixelscaling.h"
@@ -11,8 +13,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <ctime>
-#include <functional>
 #include <limits>
 
 #ifdef VELA_HAS_LIBAVFILTER
@@ -25,14 +25,6 @@ extern "C" {
 #endif
 
 namespace {
-
-/// Processor time.
-double secondsOf(const std::function<void()> &job)
-{
-    const std::clock_t start = std::clock();
-    job();
-    return double(std::clock() - start) / CLOCKS_PER_SEC;
-}
 
 constexpr QSize pictureSize(512, 512);
 
@@ -130,7 +122,7 @@ public:
                         input->data[0] + y * input->linesize[0]);
         }
         av_frame_unref(m_output);
-        const double seconds = secondsOf([&] {
+        const double seconds = processorSeconds([&] {
             m_ok = av_buffersrc_add_frame(m_source, input) >= 0
                 && av_buffersink_get_frame(m_sink, m_output) >= 0;
         });
@@ -204,9 +196,10 @@ void epx(benchmark::State &state)
     double peer = vela;
     double bytes = vela;
     for (auto _ : state) {
-        vela = std::min(vela, secondsOf([&] { result = Vela::scaleEPX(image, factor); }));
-        bytes = std::min(bytes, secondsOf([&] { Vela::scaleEPX(indexed, factor); }));
-        plain = std::min(plain, secondsOf([&] { plainResult = PlainEPX(image).scaled(factor); }));
+        vela = std::min(vela, processorSeconds([&] { result = Vela::scaleEPX(image, factor); }));
+        bytes = std::min(bytes, processorSeconds([&] { Vela::scaleEPX(indexed, factor); }));
+        plain = std::min(plain,
+                         processorSeconds([&] { plainResult = PlainEPX(image).scaled(factor); }));
         peer = std::min(peer, filter.run(image));
     }
     if (result != plainResult || !equalInside(result, filter.result(), factor == 3 ? factor : 0))
@@ -228,7 +221,7 @@ void hq(benchmark::State &state)
     double vela = std::numeric_limits<double>::infinity();
     double peer = vela;
     for (auto _ : state) {
-        vela = std::min(vela, secondsOf([&] {
+        vela = std::min(vela, processorSeconds([&] {
                             Vela::scaleHQ(
                                 factor, reinterpret_cast<const quint32 *>(image.constBits()),
                                 image.width(), image.height(),

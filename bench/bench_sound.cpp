@@ -2,6 +2,8 @@
 // Codecs of sounds against the bare calls of their libraries, with whole files in memory, and
 // libsndfile where it is installed; resampleSound() against src_simple() alone. The results are
 // compared, too.
+#include "processortime.h"
+
 #include "sound/samplesound.h"
 
 #include "sound/soundformats.h"
@@ -18,9 +20,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
-#include <functional>
-#include <limits>
 #include <vector>
 
 #ifdef VELA_HAS_SNDFILE
@@ -28,19 +27,6 @@
 #endif
 
 namespace {
-
-/// Processor time, the least of all runs.
-struct BestTime
-{
-    double seconds = std::numeric_limits<double>::infinity();
-
-    void measure(const std::function<void()> &job)
-    {
-        const std::clock_t start = std::clock();
-        job();
-        seconds = qMin(seconds, double(std::clock() - start) / CLOCKS_PER_SEC);
-    }
-};
 
 /// Tones with some noise, so that it compresses as music does.
 Vela::SoundSample music(quint32 seconds)

@@ -2,6 +2,8 @@
 // The waveform of a long sound: the first view of ten minutes against one pass over the memory, the
 // views after it, and edits of an hour against one move of the tail. What views show is compared
 // with the plain rule that the tests use. Times are of this process's work alone.
+#include "processortime.h"
+
 #include "sound/audiodata.h"
 #include "sound/audiowaveform.h"
 #include "sound/plainwaveform.h"
@@ -13,7 +15,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <ctime>
 #include <vector>
 
 using namespace Vela;
@@ -34,15 +35,6 @@ SoundSample stereo(quint16 precision, quint32 seconds)
         sound.data.append(piece.data);
     sound.data.resize(int(info.samples) * frameSize(info));
     return sound;
-}
-
-// Returns the seconds that this process worked.
-template <typename Job>
-double timeOf(Job job)
-{
-    const std::clock_t start = std::clock();
-    job();
-    return double(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 // The rest is what others on the machine have cost.
@@ -77,8 +69,8 @@ void firstView(benchmark::State &state)
         audio.setSample(sound);
         AudioWaveform waveform(&audio);
         waveform.setZoom(double(columns) / sound.samples);
-        passes.push_back(timeOf([&] { benchmark::DoNotOptimize(readAll(sound.data)); }));
-        views.push_back(timeOf([&] { waveform.setViewWidth(columns); }));
+        passes.push_back(processorSeconds([&] { benchmark::DoNotOptimize(readAll(sound.data)); }));
+        views.push_back(processorSeconds([&] { waveform.setViewWidth(columns); }));
         state.SetIterationTime(views.back());
     }
     state.counters["of_one_pass"] = best(views) / best(passes);
@@ -164,15 +156,15 @@ void edit(benchmark::State &state)
     std::vector<double> views;
     for (auto _ : state) {
         char *bytes = moved.data();
-        moves.push_back(timeOf([&] {
+        moves.push_back(processorSeconds([&] {
             if (distance != 0)
                 std::memmove(bytes + distance, bytes, std::size_t(tail));
         }));
         select();
-        edits.push_back(timeOf([&] { audio.replaceSelection(second); }));
+        edits.push_back(processorSeconds([&] { audio.replaceSelection(second); }));
         state.SetIterationTime(edits.back());
-        views.push_back(timeOf([&] { waveform.update(); }));
-        undos.push_back(timeOf([&] { audio.undo(); }));
+        views.push_back(processorSeconds([&] { waveform.update(); }));
+        undos.push_back(processorSeconds([&] { audio.undo(); }));
         waveform.update();
     }
     state.counters["best_ms"] = best(edits) * 1000;
