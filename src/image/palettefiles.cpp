@@ -2,7 +2,7 @@
 // The files of palettes.
 //
 // Published descriptions: Adobe Color Table and Color Swatch by Adobe ("Photoshop File Formats"),
-// RIFF palettes by Microsoft and IBM ("Multimedia Programming Interface and Data Specifications").
+// RIFF palettes by Microsoft and IBM (1991).
 #include "engine/tryextensions_p.h"
 #include "image/imageextension.h"
 #include "image/imageformats.h"
