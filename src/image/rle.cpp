@@ -21,9 +21,38 @@ qsizetype literals(const uchar *bytes)
     return marks ? qsizetype(qCountTrailingZeroBits(marks) / 8) : Step;
 }
 
+// Takes stretches of plain bytes, each with the run behind it, as long as neither end is near. A
+// stretch without a run counts as one with a run of no pixels, so that there is nothing to guess
+// for the processor.
+void decodeRuns(PacketSource &source, PixelBuffer &pixels)
+{
+    const uchar *from = source.next();
+    const uchar *const lastFrom = from + source.available() - (Step + 2);
+    uchar *to = pixels.next();
+    uchar *const lastTo = to + pixels.room() - Step;
+    while (from <= lastFrom && to <= lastTo) {
+        const qsizetype plain = literals(from);
+        std::memcpy(to, from, Step);
+        to += plain;
+        from += plain;
+        const bool isRun = plain < Step;
+        const int run = isRun ? from[0] & LongestRun : 0;
+        std::memset(to, from[1], Step);
+        if (run > Step)
+            std::memset(to + Step, from[1], size_t(LongestRun - Step));
+        to += run;
+        from += isRun ? 2 : 0;
+    }
+    source.skip(from - source.next());
+    pixels.skip(to - pixels.next());
+}
+
 bool decodeRLE8(PacketSource &source, PixelBuffer &pixels)
 {
     while (!pixels.isFull() && source.hasPacket()) {
+        decodeRuns(source, pixels);
+        if (pixels.isFull() || !source.hasPacket())
+            break;
         const qsizetype plain = literals(source.next());
         const qsizetype count = qMin(plain, qMin(source.available(), pixels.room()));
         pixels.append(source.next(), count);

@@ -93,6 +93,16 @@ public:
     {
         return m_end - m_next;
     }
+    /// Returns where the next pixel goes. A packet may be written there.
+    uchar *next() const
+    {
+        return m_next;
+    }
+    /// Counts pixels that were written at next().
+    void skip(qsizetype count)
+    {
+        m_next += count;
+    }
     /// Appends up to a step of pixels. The whole step has to be readable.
     void append(const uchar *pixels, qsizetype count)
     {
