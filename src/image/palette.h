@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "cache/sharemode.h"
 #include "frame/propertyitem.h"
 #include "image/rgba.h"
-#include "image/sharemode.h"
 
 namespace Vela {
 

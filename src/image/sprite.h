@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "cache/sharemode.h"
 #include "frame/propertyitem.h"
 #include "image/imageformats.h"
-#include "image/sharemode.h"
 #include "image/subitem.h"
 
 #include <QImage>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "cache/sharemode.h"
 #include "frame/organizableobject.h"
-#include "image/sharemode.h"
 #include "project/projectfile.h"
 
 class QImage;

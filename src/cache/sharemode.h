@@ -5,8 +5,8 @@
 
 namespace Vela {
 
-/// Whether equal pixels or colours may be held once for several items: no, yes, or as the user
-/// says.
+/// Whether equal pixels, colours or frames of sound may be held once for several items: no, yes, or
+/// as the user says.
 using ShareMode = FileSystemArchive::ShareMode;
 
 } // namespace Vela
