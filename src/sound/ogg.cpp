@@ -132,12 +132,12 @@ SoundSample Decoder::decode()
 class Encoder
 {
 public:
-    explicit Encoder(QIODevice *device)
+    Encoder(QIODevice *device, int serial)
         : m_device(device)
     {
         vorbis_info_init(&m_info);
         vorbis_comment_init(&m_comment);
-        ogg_stream_init(&m_stream, std::rand());
+        ogg_stream_init(&m_stream, serial);
     }
     ~Encoder()
     {
@@ -279,7 +279,12 @@ SoundSample soundFromOGG(QIODevice *device)
 
 bool soundToOGG(const SoundSample &sample, QIODevice *device)
 {
-    return openDevice(device, QIODevice::WriteOnly) && Encoder(device).encode(sample);
+    return soundToOGG(sample, device, std::rand());
+}
+
+bool soundToOGG(const SoundSample &sample, QIODevice *device, int serial)
+{
+    return openDevice(device, QIODevice::WriteOnly) && Encoder(device, serial).encode(sample);
 }
 
 } // namespace Vela

@@ -39,6 +39,8 @@ VELA_EXPORT bool soundToWAV(const SoundSample &sample, QIODevice *device);
 /// Writes Ogg Vorbis with a variable bit rate, of quality 0.4. The serial number of its stream is
 /// a random one, from rand().
 VELA_EXPORT bool soundToOGG(const SoundSample &sample, QIODevice *device);
+/// The same with a serial number of the caller's, for bytes that are to be the same each time.
+VELA_EXPORT bool soundToOGG(const SoundSample &sample, QIODevice *device, int serial);
 VELA_EXPORT bool soundToFLAC(const SoundSample &sample, QIODevice *device);
 
 /// Returns what soundFromWAV() returns, without the frames; of a file with samples that are not

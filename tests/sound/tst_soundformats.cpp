@@ -163,6 +163,7 @@ private Q_SLOTS:
     void losslessFilesKeepAllPrecisions_data();
     void losslessFilesKeepAllPrecisions();
     void vorbisScalesEachPrecision();
+    void vorbisHasTheSerialNumberOfItsCaller();
     void anyDeviceWillDo_data();
     void anyDeviceWillDo();
     void damagedFiles_data();
@@ -389,6 +390,17 @@ void TestSoundFormats::vorbisScalesEachPrecision()
         const int level = qFromLittleEndian<qint16>(again.data.constData() + 20000);
         QVERIFY2(qAbs(level - row.level) < 700, qPrintable(QString::number(level)));
     }
+}
+
+void TestSoundFormats::vorbisHasTheSerialNumberOfItsCaller()
+{
+    const SoundSample sound = SampleSound::tones(2, 22050, 5000);
+    QBuffer buffers[2];
+    for (QBuffer &buffer : buffers)
+        QVERIFY(Vela::soundToOGG(sound, &buffer, 0x12345678));
+    QCOMPARE(buffers[0].data(), buffers[1].data());
+    constexpr int serialAt = 14; // in the header of a page
+    QCOMPARE(qFromLittleEndian<qint32>(buffers[0].data().constData() + serialAt), 0x12345678);
 }
 
 void TestSoundFormats::anyDeviceWillDo_data()
