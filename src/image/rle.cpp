@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "image/imageformats.h"
+#include "image/runmarks_p.h"
 #include "image/spritecodec_p.h"
 
 #include <QtAlgorithms>
-#include <QtEndian>
 
 namespace Vela {
 
@@ -13,57 +13,79 @@ constexpr int LongestRun = 63;
 constexpr uchar RunMask = 0xC0;
 constexpr uchar RunMark = 0x40;
 
-// Returns how many of the next bytes stand for themselves.
-qsizetype literals(const uchar *bytes)
+// What has to be left on both sides for a block: it is read with the one behind it, and written
+// with the longest run.
+constexpr int Margin = 2 * Block;
+
+// Most packets need no more than one piece.
+constexpr int Piece = 16;
+
+// Copies up to a block, which has to have room, and returns where the next pixels go.
+uchar *copyUpToBlock(uchar *to, const uchar *from, qsizetype count)
 {
-    const quint64 word = qFromLittleEndian<quint64>(bytes);
-    const quint64 marks = word & ~(word >> 1) & 0x4040404040404040;
-    return marks ? qsizetype(qCountTrailingZeroBits(marks) / 8) : Step;
+    std::memcpy(to, from, Piece);
+    if (count > Piece)
+        std::memcpy(to + Piece, from + Piece, Block - Piece);
+    return to + count;
 }
 
-// Takes stretches of plain bytes, each with the run behind it, as long as neither end is near. A
-// stretch without a run counts as one with a run of no pixels, so that there is nothing to guess
-// for the processor.
-void decodeRuns(PacketSource &source, PixelBuffer &pixels)
+uchar *fillUpToBlock(uchar *to, uchar value, int count)
 {
+    std::memset(to, value, Piece);
+    if (count > Piece)
+        std::memset(to + Piece, value, Block - Piece);
+    return to + count;
+}
+
+// Takes blocks as long as neither end is near. The runs of a block are found all at once, and one
+// block ahead, so that the processor need not wait for one packet to see where the next one begins,
+// nor stand idle when it was wrong about the number of runs.
+void decodeBlocks(PacketSource &source, PixelBuffer &pixels)
+{
+    if (source.available() < Margin || pixels.room() < Margin)
+        return;
     const uchar *from = source.next();
-    const uchar *const lastFrom = from + source.available() - (Step + 2);
+    const uchar *block = from;
+    const uchar *const lastBlock = block + (source.available() - Margin);
     uchar *to = pixels.next();
-    uchar *const lastTo = to + pixels.room() - Step;
-    while (from <= lastFrom && to <= lastTo) {
-        const qsizetype plain = literals(from);
-        std::memcpy(to, from, Step);
-        to += plain;
-        from += plain;
-        const bool isRun = plain < Step;
-        const int run = isRun ? from[0] & LongestRun : 0;
-        std::memset(to, from[1], Step);
-        if (run > Step)
-            std::memset(to + Step, from[1], size_t(LongestRun - Step));
-        to += run;
-        from += isRun ? 2 : 0;
+    uchar *const lastTo = to + (pixels.room() - Margin);
+    quint64 marked = markedBytes(block);
+    quint64 valueFirst = 0;
+    while (block <= lastBlock && to <= lastTo) {
+        quint64 starts = runStarts(marked & ~valueFirst);
+        valueFirst = starts >> (Block - 1);
+        const uchar *const nextBlock = block + Block;
+        marked = markedBytes(nextBlock);
+        for (; starts && to <= lastTo; starts &= starts - 1) {
+            const uchar *const packet = block + qCountTrailingZeroBits(starts);
+            to = copyUpToBlock(to, from, packet - from);
+            to = fillUpToBlock(to, packet[1], packet[0] & LongestRun);
+            from = packet + 2;
+        }
+        if (!starts && from < nextBlock) {
+            to = copyUpToBlock(to, from, nextBlock - from);
+            from = nextBlock;
+        }
+        block = nextBlock;
     }
     source.skip(from - source.next());
     pixels.skip(to - pixels.next());
 }
 
+// Blocks leave some of both sides; the packets there are taken one by one.
 bool decodeRLE8(PacketSource &source, PixelBuffer &pixels)
 {
     while (!pixels.isFull() && source.hasPacket()) {
-        decodeRuns(source, pixels);
-        if (pixels.isFull() || !source.hasPacket())
-            break;
-        const qsizetype plain = literals(source.next());
-        const qsizetype count = qMin(plain, qMin(source.available(), pixels.room()));
-        pixels.append(source.next(), count);
-        source.skip(count);
-        if (count < plain || count == Step || pixels.isFull() || !source.hasPacket())
+        decodeBlocks(source, pixels);
+        const uchar first = source.take();
+        if ((first & RunMask) != RunMark) {
+            pixels.appendRun(first, 1);
             continue;
-        const int run = source.take() & LongestRun;
+        }
         const uchar value = source.take();
         if (source.isPastEnd())
             return false;
-        pixels.appendRun(value, run);
+        pixels.appendRun(value, first & LongestRun);
     }
     return true;
 }

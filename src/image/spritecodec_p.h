@@ -103,13 +103,7 @@ public:
     {
         m_next += count;
     }
-    /// Appends up to a step of pixels. The whole step has to be readable.
-    void append(const uchar *pixels, qsizetype count)
-    {
-        std::memcpy(m_next, pixels, Step);
-        m_next += count;
-    }
-    /// Appends 1 to 263 equal pixels.
+    /// Appends up to 263 equal pixels.
     void appendRun(uchar value, int count)
     {
         std::memset(m_next, value, Step);

@@ -4,8 +4,10 @@
 #include "image/samplepixels.h"
 
 #include "image/imageformats.h"
+#include "image/runmarks_p.h"
 
 #include <cstring>
+#include <limits>
 
 using Load = bool (*)(QImage &, QIODevice *);
 Q_DECLARE_METATYPE(Load)
@@ -59,6 +61,69 @@ QByteArray saved(Save save, const QImage &image)
     return save(image, &buffer) ? buffer.data() : QByteArrayLiteral("failed");
 }
 
+bool isRun(uchar byte)
+{
+    return (byte & 0xC0) == 0x40;
+}
+
+struct Loaded
+{
+    QByteArray pixels;
+    bool result = true;
+    int taken = 0; // bytes of the stream
+};
+
+// The format read byte by byte, up to a number of pixels.
+Loaded plainRLE8(const QByteArray &stream, int room)
+{
+    Loaded loaded;
+    while (loaded.pixels.size() < room && loaded.taken < stream.size()) {
+        const uchar first = uchar(stream[loaded.taken++]);
+        if (isRun(first) && loaded.taken == stream.size()) {
+            loaded.result = false;
+        } else if (isRun(first)) {
+            loaded.pixels.append(QByteArray(first & 63, stream[loaded.taken++]));
+        } else {
+            loaded.pixels.append(char(first));
+        }
+    }
+    loaded.pixels.truncate(room);
+    return loaded;
+}
+
+// Loads a stream and compares with the plain reader, from a buffer or some bytes at a time.
+bool loadsRLE8(const QByteArray &stream, int width, int height, int atOnce = 0)
+{
+    const Loaded expected = plainRLE8(stream, width * height);
+    QByteArray bytes = stream;
+    QBuffer buffer(&bytes);
+    Pipe pipe(stream, atOnce);
+    QIODevice &device = atOnce ? static_cast<QIODevice &>(pipe) : buffer;
+    QImage image = blank(width, height);
+    const bool result = device.open(QIODevice::ReadOnly) && Vela::loadRLE8(image, &device);
+
+    QImage wanted = blank(width, height);
+    for (int i = 0; i < expected.pixels.size(); ++i)
+        wanted.scanLine(i / width)[i % width] = uchar(expected.pixels[i]);
+    return result == expected.result && allBytes(image) == allBytes(wanted)
+        && device.readAll() == stream.mid(expected.taken);
+}
+
+// Any bytes, of which one in so many begins a run if it is no value. Most runs are short; a value
+// looks like another run as often.
+QByteArray randomRuns(SamplePixels::Random &random, int size, int oneIn)
+{
+    QByteArray stream(size, 0);
+    for (char &byte : stream) {
+        const int longest = SamplePixels::below(random, 8) == 0 ? 64 : 12;
+        const int plain = SamplePixels::below(random, 0xC0);
+        byte = char(SamplePixels::below(random, oneIn) == 0
+                        ? 0x40 + SamplePixels::below(random, longest)
+                        : (plain < 0x40 ? plain : plain + 0x40));
+    }
+    return stream;
+}
+
 } // namespace
 
 class TestSpriteCodecs : public QObject
@@ -78,6 +143,9 @@ private Q_SLOTS:
     void randomLZ5_data();
     void randomLZ5();
     void randomRLE8();
+    void runMarks();
+    void anyRuns();
+    void everyEndOfRuns();
     void everyCutOfAStream();
 };
 
@@ -360,6 +428,63 @@ void TestSpriteCodecs::randomRLE8()
         QVERIFY(Vela::loadRLE8(loaded, &buffer));
         QCOMPARE(SamplePixels::joined(loaded), SamplePixels::joined(image));
         QVERIFY(buffer.atEnd());
+    }
+}
+
+// Which bytes of a block begin a run, by either way of finding the marks.
+void TestSpriteCodecs::runMarks()
+{
+    SamplePixels::Random random(9);
+    for (int i = 0; i < 40000; ++i) {
+        const QByteArray bytes = randomRuns(random, Vela::Block, 1 + i % 12);
+        quint64 marked = 0;
+        quint64 starts = 0;
+        bool isValue = false;
+        for (int n = 0; n < Vela::Block; ++n) {
+            const bool isMark = isRun(uchar(bytes[n]));
+            isValue = isMark && !isValue; // of the next byte
+            marked |= quint64(isMark) << n;
+            starts |= quint64(isValue) << n;
+        }
+        const auto block = reinterpret_cast<const uchar *>(bytes.constData());
+        QCOMPARE(Vela::markedBytes(block), marked);
+        QCOMPARE(Vela::markedBytesOfWords(block), marked);
+        QCOMPARE(Vela::runStarts(marked), starts);
+    }
+}
+
+// Streams that no writer makes: runs of none, values that look like runs, stretches of any length,
+// more or less than the image holds.
+void TestSpriteCodecs::anyRuns()
+{
+    SamplePixels::Random random(10);
+    for (int i = 0; i < 20000; ++i) {
+        const QByteArray stream =
+            randomRuns(random, SamplePixels::below(random, 1 << i % 12), 1 + i % 17);
+        const int width = 1 + SamplePixels::below(random, 70);
+        const int height = 1 + SamplePixels::below(random, 70);
+        const int atOnce = i % 4 == 0 ? 1 + SamplePixels::below(random, 400) : 0;
+        QVERIFY2(loadsRLE8(stream, width, height, atOnce),
+                 qPrintable(QStringLiteral("stream %1").arg(i)));
+    }
+    // More than is read from the device at once.
+    for (const int oneIn : {1, 3, 100})
+        QVERIFY(loadsRLE8(randomRuns(random, 200000, oneIn), 1001, 999));
+}
+
+// The end of the stream and that of the image, each at every place of some blocks.
+void TestSpriteCodecs::everyEndOfRuns()
+{
+    SamplePixels::Random random(11);
+    for (const int oneIn : {1, 2, 5, 30}) {
+        const QByteArray stream = randomRuns(random, 270, oneIn);
+        const int count = plainRLE8(stream, std::numeric_limits<int>::max()).pixels.size();
+        for (int size = 0; size <= stream.size(); ++size)
+            QVERIFY2(loadsRLE8(stream.left(size), 41, count / 41 + 1),
+                     qPrintable(QStringLiteral("%1, cut at %2").arg(oneIn).arg(size)));
+        for (int width = 1; width <= count; ++width)
+            QVERIFY2(loadsRLE8(stream, width, 1),
+                     qPrintable(QStringLiteral("%1, width %2").arg(oneIn).arg(width)));
     }
 }
 
