@@ -14,6 +14,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -34,6 +35,21 @@ SoundSample stereo(quint16 precision, quint32 seconds)
     while (sound.data.size() < int(info.samples) * frameSize(info))
         sound.data.append(piece.data);
     sound.data.resize(int(info.samples) * frameSize(info));
+    return sound;
+}
+
+// Rises and falls so slowly that in most columns the frames at the ends are the bounds, which have
+// to be looked at one by one.
+SoundSample slopes(quint32 seconds)
+{
+    constexpr int halfTurn = 1 << 19;
+    SoundSample sound = {{2, 16, rate, rate * seconds}, {}};
+    sound.data.resize(int(sound.samples) * frameSize(sound));
+    char *to = sound.data.data();
+    for (quint32 frame = 0; frame < sound.samples; ++frame, to += 4) {
+        const int height = std::abs(int(frame % (2 * halfTurn)) - halfTurn) / 8 - 32768;
+        qToLittleEndian(quint16(qBound(-32768, height, 32767)) * 0x10001U, to);
+    }
     return sound;
 }
 
@@ -134,7 +150,7 @@ BENCHMARK(dragSelection)->Iterations(500)->Unit(benchmark::kMicrosecond);
 void edit(benchmark::State &state)
 {
     AudioData audio;
-    audio.setSample(stereo(16, 3600));
+    audio.setSample(state.range(2) == 0 ? stereo(16, 3600) : slopes(3600));
     AudioWaveform waveform(&audio);
     waveform.setZoom(double(columns) / audio.info().samples);
     waveform.setViewWidth(columns);
@@ -174,8 +190,8 @@ void edit(benchmark::State &state)
 }
 
 BENCHMARK(edit)
-    ->ArgNames({"at", "replaced"})
-    ->ArgsProduct({{0, 50, 99}, {0, 5, 10}})
+    ->ArgNames({"at", "replaced", "slopes"})
+    ->ArgsProduct({{0, 50, 99}, {0, 5, 10}, {0, 1}})
     ->Iterations(5)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

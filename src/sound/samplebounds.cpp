@@ -9,7 +9,8 @@
 #include <utility>
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
+#define VELA_WIDE __attribute__((target("avx2")))
 #endif
 
 // Everything here compares samples as numbers, and decodes the two bounds at the end only. That
@@ -33,6 +34,7 @@ struct Single
     using Vector = T;
     static constexpr unsigned int bytes = sizeof(T);
     static constexpr unsigned int count = 1;
+    static constexpr bool isWide = false;
 
     static T one(const char *sample)
     {
@@ -163,6 +165,36 @@ struct Packed : Floats
     }
 };
 
+#if defined(VELA_WIDE)
+// For processors with registers of twice the size: eight samples as whole numbers, which need not
+// become floats before the lowest and the highest are found.
+struct WideLongs : Longs
+{
+    static constexpr bool isWide = true;
+
+    VELA_WIDE static __m256i loadWide(const char *samples)
+    {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(samples));
+    }
+};
+
+struct WidePacked : Packed
+{
+    static constexpr bool isWide = true;
+
+    VELA_WIDE static __m256i loadWide(const char *samples)
+    {
+        // Four samples are in the first of the sixteen bytes, and four in the last of the others.
+        const __m256i places =
+            _mm256_setr_epi8(-1, 0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, //
+                             -1, 4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15);
+        const __m256i front = _mm256_castsi128_si256(Floats::load(samples));
+        const __m128i back = Floats::load(samples + 8);
+        return _mm256_shuffle_epi8(_mm256_inserti128_si256(front, back, 1), places);
+    }
+};
+#endif
+
 /// Samples of bounds, to work with.
 template <typename T>
 struct Values
@@ -212,6 +244,19 @@ void each(Job job)
     each(std::make_index_sequence<Count>(), job);
 }
 
+/// Takes the lowest and the highest samples in registers that hold whole frames.
+template <class Samples>
+void mergeFolded(typename Samples::Vector low, typename Samples::Vector high, unsigned int lanes,
+                 SampleBounds &row)
+{
+    using Vector = typename Samples::Vector;
+    const unsigned int frameBytes = lanes * unsigned(sizeof(typename Samples::Value));
+    auto *const rowLow = reinterpret_cast<Vector *>(row.low);
+    auto *const rowHigh = reinterpret_cast<Vector *>(row.high);
+    *rowLow = Samples::lower(*rowLow, Samples::template fold<Samples::lower>(low, frameBytes));
+    *rowHigh = Samples::higher(*rowHigh, Samples::template fold<Samples::higher>(high, frameBytes));
+}
+
 /// Takes samples side by side as long as they fill \a Count registers, which hold whole frames.
 /// The lowest are looked for in the one place and the highest in the other. Returns how many
 /// samples have been taken.
@@ -246,13 +291,7 @@ std::size_t mergeRegisters(const char *lows, const char *highs, std::size_t samp
             low[0] = Samples::lower(low[0], low[i + 1]);
             high[0] = Samples::higher(high[0], high[i + 1]);
         });
-        const unsigned int frameBytes = lanes * unsigned(sizeof(typename Samples::Value));
-        auto *const rowLow = reinterpret_cast<Vector *>(row.low);
-        auto *const rowHigh = reinterpret_cast<Vector *>(row.high);
-        *rowLow =
-            Samples::lower(*rowLow, Samples::template fold<Samples::lower>(low[0], frameBytes));
-        *rowHigh =
-            Samples::higher(*rowHigh, Samples::template fold<Samples::higher>(high[0], frameBytes));
+        mergeFolded<Samples>(low[0], high[0], lanes, row);
     } else {
         typename Samples::Value lowest[period];
         typename Samples::Value highest[period];
@@ -267,6 +306,32 @@ std::size_t mergeRegisters(const char *lows, const char *highs, std::size_t samp
     }
     return taken;
 }
+
+#if defined(VELA_WIDE)
+/// The same in one place, and with eight samples at once. A frame has one, two or four.
+template <class Samples>
+VELA_WIDE std::size_t mergeWide(const char *frames, std::size_t samples, unsigned int lanes,
+                                SampleBounds &row)
+{
+    if (samples < 8)
+        return 0;
+    __m256i low = Samples::loadWide(frames);
+    __m256i high = low;
+    std::size_t taken = 8;
+    for (; taken + 8 <= samples; taken += 8) {
+        const __m256i next = Samples::loadWide(frames + taken * Samples::bytes);
+        low = _mm256_min_epi32(low, next);
+        high = _mm256_max_epi32(high, next);
+    }
+    const __m128i lowest =
+        _mm_min_epi32(_mm256_castsi256_si128(low), _mm256_extracti128_si256(low, 1));
+    const __m128i highest =
+        _mm_max_epi32(_mm256_castsi256_si128(high), _mm256_extracti128_si256(high, 1));
+    mergeFolded<Floats>(_mm_castps_si128(_mm_cvtepi32_ps(lowest)),
+                        _mm_castps_si128(_mm_cvtepi32_ps(highest)), lanes, row);
+    return taken;
+}
+#endif
 
 /// \a Same says that \a lows and \a highs are one.
 template <class Samples, bool Same>
@@ -317,6 +382,16 @@ template <class Samples>
 void mergeFrames(const char *frames, std::size_t count, const SampleShape &shape,
                  SampleBounds &bounds)
 {
+#if defined(VELA_WIDE)
+    if constexpr (Samples::isWide) {
+        if (shape.registers == 1) {
+            const std::size_t taken =
+                mergeWide<Samples>(frames, count * shape.lanes, shape.lanes, bounds) / shape.lanes;
+            frames += taken * shape.stride;
+            count -= taken;
+        }
+    }
+#endif
     merge<Samples, true>(frames, frames, count, shape, bounds);
 }
 
@@ -326,6 +401,16 @@ void mergeRows(BoundsRows rows, std::size_t count, const SampleShape &shape, Sam
     const SampleShape dense = {shape.lanes * sizeof(typename Samples::Value), shape.lanes,
                                shape.lanes / std::gcd(shape.lanes, Samples::count)};
     merge<Samples, false>(rows.low, rows.high, count, dense, bounds);
+}
+
+template <typename T>
+bool isWithin(BoundsRows row, const SampleShape &shape, const SampleBounds &bounds)
+{
+    for (std::size_t at = 0; at < shape.lanes * sizeof(T); at += sizeof(T))
+        if (qFromLittleEndian<T>(row.low + at) < qFromLittleEndian<T>(bounds.low + at)
+            || qFromLittleEndian<T>(row.high + at) > qFromLittleEndian<T>(bounds.high + at))
+            return false;
+    return true;
 }
 
 /// Copies a row; the usual sizes without a call.
@@ -355,7 +440,7 @@ void summarize(const char *frames, std::size_t count, std::size_t size, const Sa
     for (std::size_t from = 0; from < count; from += size) {
         SampleBounds row = nothing;
         const char *const block = frames + from * shape.stride;
-        merge<Samples, true>(block, block, std::min(size, count - from), shape, row);
+        mergeFrames<Samples>(block, std::min(size, count - from), shape, row);
         copyRow(rows.low, row.low, rowSize);
         copyRow(rows.high, row.high, rowSize);
         rows.low += rowSize;
@@ -387,35 +472,44 @@ BoundsFormat makeFormat(float (*decoder)(const char *))
     using Value = typename Samples::Value;
     return {Precision,
             sizeof(Value),
-            Samples::count,
+            Kept::count,
             boundsOfNothing<Value>(),
             mergeFrames<Samples>,
             mergeRows<Kept>,
+            isWithin<Value>,
             summarize<Samples>,
             decoder};
 }
 
-} // namespace
-
-void fetch([[maybe_unused]] const char *begin, [[maybe_unused]] std::size_t size)
-{
-#if defined(__SSE2__)
-    for (std::size_t at = 0; at < size; at += 64)
-        _mm_prefetch(begin + at, _MM_HINT_T0);
-#endif
-}
-
-const BoundsFormat &BoundsFormat::of(unsigned int precision)
+template <class ThreeBytes, class FourBytes>
+const BoundsFormat &formatOf(unsigned int precision)
 {
     static const BoundsFormat formats[] = {
         makeFormat<Bytes, Bytes, 8>(decodeNarrow<8>),
         makeFormat<Shorts, Shorts, 16>(decodeNarrow<16>),
-        makeFormat<Packed, Floats, 20>(decodeWide<20>),
-        makeFormat<Packed, Floats, 24>(decodeWide<24>),
-        makeFormat<Longs, Floats, 32>(decodeWide<32>),
+        makeFormat<ThreeBytes, Floats, 20>(decodeWide<20>),
+        makeFormat<ThreeBytes, Floats, 24>(decodeWide<24>),
+        makeFormat<FourBytes, Floats, 32>(decodeWide<32>),
     };
     return *std::find_if(std::begin(formats), std::end(formats) - 1,
                          [precision](const BoundsFormat &f) { return f.precision == precision; });
+}
+
+} // namespace
+
+const BoundsFormat &BoundsFormat::of(unsigned int precision)
+{
+#if defined(VELA_WIDE)
+    static const bool hasWide = __builtin_cpu_supports("avx2") != 0;
+    if (hasWide)
+        return formatOf<WidePacked, WideLongs>(precision);
+#endif
+    return plain(precision);
+}
+
+const BoundsFormat &BoundsFormat::plain(unsigned int precision)
+{
+    return formatOf<Packed, Longs>(precision);
 }
 
 SampleShape BoundsFormat::shapeOf(unsigned int channels, std::size_t frameSize) const

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "frame/export.h"
+
 #include <QtGlobal>
 
 #include <cstddef>
@@ -32,11 +34,8 @@ struct SampleShape
     unsigned int registers; ///< that hold whole frames; 0 if there are other samples between
 };
 
-/// Asks for memory that will be read soon. The addresses need not be valid.
-void fetch(const char *begin, std::size_t size);
-
 /// Finds bounds in samples of one precision.
-struct BoundsFormat
+struct VELA_EXPORT BoundsFormat
 {
     unsigned int precision;
     unsigned int sampleBytes;   ///< of one in a row
@@ -49,6 +48,8 @@ struct BoundsFormat
     /// The same by rows, which have no gaps.
     void (*mergeRows)(BoundsRows rows, std::size_t count, const SampleShape &shape,
                       SampleBounds &bounds);
+    /// Tells whether the bounds already hold a row.
+    bool (*isWithin)(BoundsRows row, const SampleShape &shape, const SampleBounds &bounds);
     /// Writes a row for each \a size frames, of which the last may be fewer.
     void (*summarize)(const char *frames, std::size_t count, std::size_t size,
                       const SampleShape &shape, BoundsRows rows);
@@ -57,6 +58,8 @@ struct BoundsFormat
 
     /// \a precision is one that decodeSample() knows.
     static const BoundsFormat &of(unsigned int precision);
+    /// The same, without what only some processors can do.
+    static const BoundsFormat &plain(unsigned int precision);
 
     std::size_t rowSize(const SampleShape &shape) const
     {

@@ -12,6 +12,8 @@ namespace {
 // large enough that its bounds cost little beside its frames.
 constexpr quint32 blockBytes = 1024;
 constexpr quint32 chunkBlocks = 16;
+// So many frames of any kind fill whole registers.
+constexpr quint32 wholeFrames = 16;
 
 /// Makes room for \a count elements in the place of those from \a begin to \a end.
 template <typename T>
@@ -71,7 +73,7 @@ void WaveformPyramid::reset(const SampleView &sound)
     m_format = &BoundsFormat::of(sound.precision);
     m_shape = m_format->shapeOf(sound.channels, sound.frameSize);
     m_rowSize = m_format->rowSize(m_shape);
-    m_blockFrames = std::max<quint32>(blockBytes / sound.frameSize, 16);
+    m_blockFrames = std::max<quint32>(blockBytes / sound.frameSize / wholeFrames, 1) * wholeFrames;
     m_chunkFrames = m_blockFrames * chunkBlocks;
     const std::size_t count = (sound.frames + std::size_t(m_chunkFrames) - 1) / m_chunkFrames;
     m_first.resize(count + 1);
@@ -128,33 +130,31 @@ void WaveformPyramid::mergeRows(Rows &rows, std::size_t from, std::size_t to,
     m_format->mergeRows(rows.at(from * m_rowSize), to - from, m_shape, bounds);
 }
 
+/// Tells whether the bounds would stay as they are with all that a row stands for.
+bool WaveformPyramid::isWithin(Rows &rows, std::size_t row, const SampleBounds &bounds) const
+{
+    return m_format->isWithin(rows.at(row * m_rowSize), m_shape, bounds);
+}
+
 /// Frames of one chunk, of which not all count.
 void WaveformPyramid::mergePart(std::size_t chunk, quint32 from, quint32 to, SampleBounds &bounds)
 {
-    const quint32 first = m_first[chunk];
-    const quint32 fromBlock = (from - first + m_blockFrames - 1) / m_blockFrames;
-    const bool toEnd = to == m_first[chunk + 1];
-    const quint32 toBlock = (to - first + (toEnd ? m_blockFrames - 1 : 0)) / m_blockFrames;
-    if (fromBlock >= toBlock)
-        return mergeFrames(from, to, bounds);
-    mergeFrames(from, first + fromBlock * m_blockFrames, bounds);
-    mergeRows(m_blocks, chunk * chunkBlocks + fromBlock, chunk * chunkBlocks + toBlock, bounds);
-    if (!toEnd)
-        mergeFrames(first + toBlock * m_blockFrames, to, bounds);
-}
-
-/// Asks for what the end of a range will need.
-void WaveformPyramid::fetchEnd(quint32 end, std::size_t chunk)
-{
-    if (end >= m_first.back() || end < m_first[chunk])
+    if (isWithin(m_chunks, chunk, bounds))
         return;
-    while (m_first[chunk + 1] <= end)
-        ++chunk;
-    const quint32 block = (end - m_first[chunk]) / m_blockFrames;
-    fetch(m_sound.frame(m_first[chunk] + block * m_blockFrames), m_blockFrames * m_shape.stride);
-    const BoundsRows rows = m_blocks.at(chunk * chunkBlocks * m_rowSize);
-    fetch(rows.low, chunkBlocks * m_rowSize);
-    fetch(rows.high, chunkBlocks * m_rowSize);
+    const quint32 first = m_first[chunk];
+    const bool toEnd = to == m_first[chunk + 1];
+    const quint32 fromBlock = (from - first + m_blockFrames - 1) / m_blockFrames;
+    const quint32 toBlock = (to - first + (toEnd ? m_blockFrames - 1 : 0)) / m_blockFrames;
+    const std::size_t block = chunk * chunkBlocks;
+    if (fromBlock < toBlock)
+        mergeRows(m_blocks, block + fromBlock, block + toBlock, bounds);
+    // What lies in front of the whole blocks, and behind them.
+    const quint32 wholeFrom = std::min(first + fromBlock * m_blockFrames, to);
+    const quint32 wholeTo = toEnd ? to : std::max(first + toBlock * m_blockFrames, wholeFrom);
+    if (from < wholeFrom && !isWithin(m_blocks, block + fromBlock - 1, bounds))
+        mergeFrames(from, wholeFrom, bounds);
+    if (wholeTo < to && !isWithin(m_blocks, block + toBlock, bounds))
+        mergeFrames(wholeTo, to, bounds);
 }
 
 WaveformPyramid::Bounds WaveformPyramid::bounds(quint32 from, quint32 to)
@@ -164,20 +164,18 @@ WaveformPyramid::Bounds WaveformPyramid::bounds(quint32 from, quint32 to)
     while (m_first[m_lastChunk + 1] <= from)
         ++m_lastChunk;
 
+    // The whole chunks first: often they leave nothing to be found in the others.
     SampleBounds bounds = m_format->nothing;
-    std::size_t chunk = m_lastChunk;
-    if (from > m_first[chunk] || to < m_first[chunk + 1]) {
-        mergePart(chunk, from, std::min(to, m_first[chunk + 1]), bounds);
-        ++chunk;
-    }
-    std::size_t behind = chunk;
-    while (behind < m_known.size() && m_first[behind + 1] <= to)
-        ++behind;
-    mergeRows(m_chunks, chunk, behind, bounds);
-    if (m_first[behind] < to)
-        mergePart(behind, m_first[behind], to, bounds);
+    const std::size_t begin = m_lastChunk + (from > m_first[m_lastChunk] ? 1 : 0);
+    std::size_t end = begin;
+    while (end < m_known.size() && m_first[end + 1] <= to)
+        ++end;
+    mergeRows(m_chunks, begin, end, bounds);
+    if (begin > m_lastChunk)
+        mergePart(m_lastChunk, from, std::min(to, m_first[begin]), bounds);
+    if (m_first[end] < to)
+        mergePart(end, m_first[end], to, bounds);
 
-    fetchEnd(to + (to - from), behind);
     Bounds decoded = {};
     for (unsigned int lane = 0; lane < m_shape.lanes; ++lane) {
         decoded.low[lane] = m_format->decode(bounds.low + lane * m_format->sampleBytes);

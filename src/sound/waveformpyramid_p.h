@@ -62,8 +62,8 @@ private:
     void renew(std::size_t chunk);
     void mergeFrames(quint32 from, quint32 to, SampleBounds &bounds) const;
     void mergeRows(Rows &rows, std::size_t from, std::size_t to, SampleBounds &bounds) const;
+    bool isWithin(Rows &rows, std::size_t row, const SampleBounds &bounds) const;
     void mergePart(std::size_t chunk, quint32 from, quint32 to, SampleBounds &bounds);
-    void fetchEnd(quint32 end, std::size_t chunk);
 
     SampleView m_sound = {};
     const BoundsFormat *m_format = nullptr;

@@ -2,6 +2,7 @@
 #include "sound/audiodata.h"
 #include "sound/audiowaveform.h"
 #include "sound/plainwaveform.h"
+#include "sound/samplebounds_p.h"
 #include "sound/samplesound.h"
 
 #include <QImage>
@@ -205,6 +206,29 @@ private Q_SLOTS:
         QVERIFY(PlainWaveform(audio, view) == view);
         audio.setSample({same, QByteArray(int(same.samples) * Vela::frameSize(same), 'x')});
         QVERIFY(PlainWaveform(audio, view) == view);
+    }
+
+    // What only some processors can do gives the bounds that all find.
+    void equalsOnEveryProcessor()
+    {
+        for (const quint16 precision : precisions) {
+            const Vela::BoundsFormat &fast = Vela::BoundsFormat::of(precision);
+            const Vela::BoundsFormat &plain = Vela::BoundsFormat::plain(precision);
+            for (quint16 channels = 1; channels <= 9; ++channels) {
+                const Vela::SoundSample sound = SampleSound::noise({channels, precision, 1, 100});
+                const auto shape = plain.shapeOf(channels, std::size_t(frameSize(sound)));
+                for (int count = 0; count <= 100; ++count) {
+                    // Memory that ends with the frames.
+                    const QByteArray frames = sound.data.right(count * frameSize(sound));
+                    const std::vector<char> data(frames.begin(), frames.end());
+                    Vela::SampleBounds found = fast.nothing;
+                    fast.mergeFrames(data.data(), std::size_t(count), shape, found);
+                    Vela::SampleBounds expected = plain.nothing;
+                    plain.mergeFrames(data.data(), std::size_t(count), shape, expected);
+                    QCOMPARE(std::memcmp(&found, &expected, sizeof(found)), 0);
+                }
+            }
+        }
     }
 
     // Comes with a sound in it already, and after very many small edits.
