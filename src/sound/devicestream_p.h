@@ -71,15 +71,16 @@ private:
 
 /// Appends to \a data what \a read, called with an address and a number of bytes, puts there and
 /// returns the number of: up to \a block bytes a call, until it returns less than 1. So no memory
-/// is taken for what a file only promises. Returns false, without any data, where it is too much.
+/// is taken for what a file only promises. Returns false, without any data, where it is more than
+/// \a mostData bytes.
 template <typename Read>
-bool appendBlocks(QByteArray *data, int block, Read read)
+bool appendBlocks(QByteArray *data, int block, int mostData, Read read)
 {
     // What is reserved is not given back each time that a block is short.
     data->reserve(block);
     for (;;) {
         const int size = data->size();
-        if (size > LargestData - block) {
+        if (size > qMin(mostData, LargestData - block)) {
             data->clear();
             return false;
         }

@@ -28,14 +28,16 @@ struct HandleDeleter
 // What a stream says about itself, and the frames that came so far.
 struct Decoding
 {
-    explicit Decoding(QIODevice *device)
+    Decoding(QIODevice *device, int mostData)
         : stream(device)
+        , most(mostData)
     {
     }
 
     bool append(const FLAC__FrameHeader &header, const FLAC__int32 *const planes[]);
 
     DeviceStream stream;
+    const int most; // bytes
     SoundSample sample;
     quint32 bits = 0;
     bool isTooLong = false;
@@ -70,7 +72,7 @@ bool Decoding::append(const FLAC__FrameHeader &header, const FLAC__int32 *const 
     const int frame = frameSize(sample);
     const int size = sample.data.size();
     const auto count = int(header.blocksize);
-    isTooLong = qint64(count) * frame > LargestData - size;
+    isTooLong = qint64(count) * frame > most - size;
     if (isTooLong)
         return false;
     sample.data.resize(size + count * frame);
@@ -155,9 +157,14 @@ bool encodeFrames(FLAC__StreamEncoder *encoder, const SoundSample &sample, Bytes
 
 SoundSample soundFromFLAC(QIODevice *device)
 {
+    return soundFromFLAC(device, LargestData);
+}
+
+SoundSample soundFromFLAC(QIODevice *device, int most)
+{
     if (!openDevice(device, QIODevice::ReadOnly))
         return {};
-    Decoding decoding(device);
+    Decoding decoding(device, most);
     const std::unique_ptr<FLAC__StreamDecoder, HandleDeleter> decoder(FLAC__stream_decoder_new());
     if (!decoder
         || FLAC__stream_decoder_init_stream(decoder.get(), readCallback, nullptr, nullptr, nullptr,

@@ -65,8 +65,8 @@ SoundSample soundFromMP3(QIODevice *device)
     // nothing, on a device that cannot go back.
     mpg123_scan(handle.get());
     bool goesOn = true;
-    const bool isRead =
-        appendBlocks(&sample.data, int(mpg123_outblock(handle.get())), [&](char *to, int most) {
+    const bool isRead = appendBlocks(
+        &sample.data, int(mpg123_outblock(handle.get())), LargestData, [&](char *to, int most) {
             size_t count = 0;
             if (goesOn)
                 goesOn = mpg123_read(handle.get(), to, size_t(most), &count) == MPG123_OK;

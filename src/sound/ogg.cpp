@@ -88,7 +88,7 @@ public:
             ov_clear(&m_file);
     }
 
-    SoundSample decode();
+    SoundSample decode(int most);
 
 private:
     Q_DISABLE_COPY(Decoder)
@@ -111,7 +111,7 @@ private:
     bool m_isOpen;
 };
 
-SoundSample Decoder::decode()
+SoundSample Decoder::decode(int most)
 {
     const vorbis_info *const info = m_isOpen ? ov_info(&m_file, -1) : nullptr;
     if (!info)
@@ -122,8 +122,8 @@ SoundSample Decoder::decode()
     sample.channels = quint16(channels);
     sample.precision = 16;
     sample.frequency = quint32(info->rate);
-    if (!appendBlocks(&sample.data, blockSize,
-                      [&](char *to, int most) { return read(to, most, channels); }))
+    if (!appendBlocks(&sample.data, blockSize, most,
+                      [&](char *to, int size) { return read(to, size, channels); }))
         return {};
     sample.samples = quint32(sample.data.size() / frameSize(sample));
     return sample;
@@ -274,7 +274,12 @@ bool Encoder::encode(const SoundSample &sample)
 
 SoundSample soundFromOGG(QIODevice *device)
 {
-    return openDevice(device, QIODevice::ReadOnly) ? Decoder(device).decode() : SoundSample();
+    return soundFromOGG(device, LargestData);
+}
+
+SoundSample soundFromOGG(QIODevice *device, int most)
+{
+    return openDevice(device, QIODevice::ReadOnly) ? Decoder(device).decode(most) : SoundSample();
 }
 
 bool soundToOGG(const SoundSample &sample, QIODevice *device)

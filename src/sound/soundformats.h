@@ -29,6 +29,9 @@ VELA_EXPORT SoundSample soundFromWAV(QIODevice *device);
 VELA_EXPORT SoundSample soundFromOGG(QIODevice *device);
 /// Reads FLAC. A precision that SoundSample does not have becomes the next one that it has.
 VELA_EXPORT SoundSample soundFromFLAC(QIODevice *device);
+/// The same of sounds that take up to \a most bytes: empty, and read no further, where it is more.
+VELA_EXPORT SoundSample soundFromOGG(QIODevice *device, int most);
+VELA_EXPORT SoundSample soundFromFLAC(QIODevice *device, int most);
 /// Reads MP3, with 16 bits.
 VELA_EXPORT SoundSample soundFromMP3(QIODevice *device);
 
