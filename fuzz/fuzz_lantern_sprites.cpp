@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 // A file of sprites from anybody: it is refused, or what is in it comes back after saving.
 #include "lantern/spritesfile.h"
+#include "mendtables.h"
 #include "require.h"
 
-#include "frame/checksum.h"
 #include "support/memoryarchive.h"
-
-#include <QtEndian>
 
 #include <cstdint>
 #include <vector>
@@ -23,25 +21,6 @@ struct Release
 
 using Held = std::unique_ptr<Lantern::SpritesFile, Release>;
 
-// Sets the checksum of the tables right, unless the file is too short for them, and takes those of
-// the streams away, so that what they cover is fuzzed, too.
-void mendChecksums(QByteArray &file)
-{
-    constexpr qint64 headBytes = 20;
-    constexpr qint64 streamBytes = 24;
-    if (file.size() < headBytes)
-        return;
-    const auto count = [&file](int at) {
-        return qint64(qFromLittleEndian<quint32>(file.constData() + at));
-    };
-    const qint64 end = headBytes + count(8) * streamBytes + count(12) * 12 + count(16) * 24;
-    if (end + 4 > file.size())
-        return;
-    for (qint64 i = 0; i < count(8); ++i)
-        qToLittleEndian<quint32>(0, file.data() + headBytes + i * streamBytes + 12);
-    qToLittleEndian(Vela::CRC32(file.constData(), std::size_t(end)), file.data() + end);
-}
-
 QString path()
 {
     return QStringLiteral("/f.sprites");
@@ -52,7 +31,7 @@ QString path()
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     QByteArray bytes(reinterpret_cast<const char *>(data), int(size));
-    mendChecksums(bytes);
+    mendTables(bytes, {24, 12, 24});
     MemoryArchive archive({{path(), bytes}});
     const Held file(new Lantern::SpritesFile);
     if (!file->fromFile(archive, path(), 0, nullptr))

@@ -3,11 +3,7 @@
 
 #include "lantern/spritecodec.h"
 
-#include "frame/checksum.h"
-
 #include <QCoreApplication>
-#include <QDataStream>
-#include <QIODevice>
 
 #include <algorithm>
 
@@ -20,39 +16,27 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(Lantern)
 };
 
-constexpr char magic[] = {'L', 'S', 'P', 'R'};
-constexpr quint16 currentVersion = 1;
-constexpr quint16 preferredFlag = 1;
-constexpr int headBytes = 20;
-constexpr int streamBytes = 24;
-constexpr int paletteBytes = 12;
-constexpr int spriteBytes = 24;
-constexpr int crcBytes = 4;
+constexpr TableLayout layout = {{'L', 'S', 'P', 'R'}, {24, 12, 24}};
 constexpr quint32 paletteStreamBytes = 1024;
-
-quint32 checksum(const QByteArray &bytes)
-{
-    return Vela::CRC32(bytes.constData(), size_t(bytes.size()));
-}
 
 bool isPalette(const SpriteTable::Stream &stream)
 {
     return stream.info.format == QImage::Format_Invalid;
 }
 
-QDataStream &operator>>(QDataStream &in, SpriteTable::Stream &stream)
+void readStream(QDataStream &in, SpriteTable::Stream &stream)
 {
     quint16 depth = 0;
-    in >> stream.offset >> stream.size >> stream.crc >> stream.encoding >> stream.info.width
-        >> stream.info.height >> depth;
+    readPlace(in, stream);
+    in >> stream.info.width >> stream.info.height >> depth;
     stream.info.format = Vela::formatOfDepth(depth);
-    return in;
 }
 
-QDataStream &operator<<(QDataStream &out, const SpriteTable::Stream &stream)
+void writeStream(QDataStream &out, const SpriteTable::Stream &stream)
 {
-    return out << stream.offset << stream.size << stream.crc << stream.encoding << stream.info.width
-               << stream.info.height << quint16(Vela::depthOfFormat(stream.info.format));
+    writePlace(out, stream);
+    out << stream.info.width << stream.info.height
+        << quint16(Vela::depthOfFormat(stream.info.format));
 }
 
 QDataStream &operator>>(QDataStream &in, Vela::SubItem &item)
@@ -65,53 +49,35 @@ QDataStream &operator<<(QDataStream &out, Vela::SubItem item)
     return out << item.group << item.image;
 }
 
-QDataStream &operator>>(QDataStream &in, SpriteTable::Palette &palette)
+void readPalette(QDataStream &in, SpriteTable::Palette &palette)
 {
-    return in >> palette.identifier >> palette.stream;
+    in >> palette.identifier >> palette.stream;
 }
 
-QDataStream &operator<<(QDataStream &out, const SpriteTable::Palette &palette)
+void writePalette(QDataStream &out, const SpriteTable::Palette &palette)
 {
-    return out << palette.identifier << palette.stream;
+    out << palette.identifier << palette.stream;
 }
 
-QDataStream &operator>>(QDataStream &in, SpriteTable::Sprite &sprite)
+void readSprite(QDataStream &in, SpriteTable::Sprite &sprite)
 {
     qint32 x = 0;
     qint32 y = 0;
     in >> sprite.identifier >> x >> y >> sprite.palette >> sprite.stream;
     sprite.axis = {x, y};
-    return in;
 }
 
-QDataStream &operator<<(QDataStream &out, const SpriteTable::Sprite &sprite)
+void writeSprite(QDataStream &out, const SpriteTable::Sprite &sprite)
 {
-    return out << sprite.identifier << qint32(sprite.axis.x()) << qint32(sprite.axis.y())
-               << sprite.palette << sprite.stream;
+    out << sprite.identifier << qint32(sprite.axis.x()) << qint32(sprite.axis.y()) << sprite.palette
+        << sprite.stream;
 }
 
-template <class Row>
-void readRows(QDataStream &in, QVector<Row> &rows)
+bool isStream(const SpriteTable::Stream &stream)
 {
-    for (Row &row : rows)
-        in >> row;
-}
-
-template <class Row>
-void writeRows(QDataStream &out, const QVector<Row> &rows)
-{
-    for (const Row &row : rows)
-        out << row;
-}
-
-bool isStream(const SpriteTable::Stream &stream, qint64 begin, qint64 end)
-{
-    const bool lies = stream.size > 0 && stream.offset >= begin && stream.offset <= end
-        && qint64(stream.size) <= end - stream.offset;
-    const bool fits = isPalette(stream)
+    return isPalette(stream)
         ? stream.encoding == Raw && stream.size == paletteStreamBytes
         : stream.encoding < EncodingCount && stream.info.width > 0 && stream.info.height > 0;
-    return lies && fits;
 }
 
 // Whether each number of another row is one of a row that there is, of the right kind.
@@ -136,57 +102,17 @@ bool areLinked(const SpriteTable &table)
 
 bool SpriteTable::read(QIODevice &device, QString &error)
 {
-    const qint64 fileBytes = device.size();
-    const QByteArray head = device.read(headBytes);
-    QDataStream in(head);
-    in.setByteOrder(QDataStream::LittleEndian);
-    char signature[sizeof magic] = {};
-    quint16 version = 0;
-    quint16 flags = 0;
-    quint32 counts[3] = {};
-    in.readRawData(signature, sizeof signature);
-    in >> version >> flags >> counts[0] >> counts[1] >> counts[2];
-    if (in.status() != QDataStream::Ok || !std::equal(signature, std::end(signature), magic)) {
-        error = Texts::tr("it is no sprites file");
+    TableReader reader(layout);
+    if (!reader.read(device, Texts::tr("it is no sprites file"), error))
         return false;
-    }
-    if (version != currentVersion) {
-        error = Texts::tr("its version %1 is not known").arg(version);
-        return false;
-    }
-    error = Texts::tr("its tables are broken");
-    const qint64 bodyBytes = qint64(counts[0]) * streamBytes + qint64(counts[1]) * paletteBytes
-        + qint64(counts[2]) * spriteBytes;
-    if (bodyBytes > fileBytes - headBytes - crcBytes)
-        return false;
-    const QByteArray body = device.read(bodyBytes + crcBytes);
-    if (body.size() != bodyBytes + crcBytes)
-        return false;
-    QDataStream rows(body);
-    rows.setByteOrder(QDataStream::LittleEndian);
     SpriteTable table;
-    table.streams.resize(int(counts[0]));
-    table.palettes.resize(int(counts[1]));
-    table.sprites.resize(int(counts[2]));
-    readRows(rows, table.streams);
-    readRows(rows, table.palettes);
-    readRows(rows, table.sprites);
-    quint32 crc = 0;
-    rows >> crc;
-    if (crc != checksum(head + body.left(int(bodyBytes))))
+    reader.readRows(table.streams, readStream);
+    reader.readRows(table.palettes, readPalette);
+    reader.readRows(table.sprites, readSprite);
+    if (!reader.areStreams(table.streams, isStream) || !areLinked(table))
         return false;
-    const qint64 begin = headBytes + bodyBytes + crcBytes;
-    // Together they are no longer than the file, or a small one would fill the memory.
-    qint64 streamTotal = 0;
-    const bool areStreams =
-        std::all_of(table.streams.begin(), table.streams.end(), [&](const Stream &stream) {
-            streamTotal += stream.size;
-            return isStream(stream, begin, fileBytes) && streamTotal <= fileBytes - begin;
-        });
-    if (!areStreams || !areLinked(table))
-        return false;
-    table.isPreferred = flags & preferredFlag;
-    table.original = head + body;
+    table.isPreferred = reader.isPreferred();
+    table.original = reader.bytes();
     *this = table;
     error.clear();
     return true;
@@ -194,23 +120,12 @@ bool SpriteTable::read(QIODevice &device, QString &error)
 
 QByteArray SpriteTable::write()
 {
-    qint64 offset = headBytes + qint64(streams.size()) * streamBytes
-        + qint64(palettes.size()) * paletteBytes + qint64(sprites.size()) * spriteBytes + crcBytes;
-    for (Stream &stream : streams) {
-        stream.offset = offset;
-        offset += stream.size;
-    }
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out.setByteOrder(QDataStream::LittleEndian);
-    out.writeRawData(magic, sizeof magic);
-    out << currentVersion << quint16(isPreferred ? preferredFlag : 0) << quint32(streams.size())
-        << quint32(palettes.size()) << quint32(sprites.size());
-    writeRows(out, streams);
-    writeRows(out, palettes);
-    writeRows(out, sprites);
-    out << checksum(bytes);
-    return bytes;
+    TableWriter writer(layout, isPreferred, {streams.size(), palettes.size(), sprites.size()});
+    writer.place(streams);
+    writer.writeRows(streams, writeStream);
+    writer.writeRows(palettes, writePalette);
+    writer.writeRows(sprites, writeSprite);
+    return writer.finished();
 }
 
 } // namespace Lantern

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "lantern/tablefile.h"
+
 #include "image/imageformats.h"
 #include "image/subitem.h"
 
@@ -19,14 +21,8 @@ struct SpriteTable
     /// Stands for no stream and no palette.
     static constexpr quint32 None = 0xFFFFFFFF;
 
-    struct Stream
-    {
-        qint64 offset = 0; ///< from the file's start, in bytes
-        quint32 size = 0;  ///< in bytes
-        quint32 crc = 0;   ///< CRC32 of the plain data
-        quint16 encoding = 0;
-        Vela::ImageInfo info; ///< Format_Invalid for a palette
-    };
+    /// Format_Invalid is for a palette.
+    using Stream = TableStream<Vela::ImageInfo>;
 
     struct Palette
     {
