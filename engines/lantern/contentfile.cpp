@@ -3,6 +3,7 @@
 
 #include "frame/jobstats.h"
 #include "image/sprites.h"
+#include "sound/sounds.h"
 
 #include <QCoreApplication>
 
@@ -159,6 +160,7 @@ void ContentFile<Base>::reload()
 }
 
 template class ContentFile<Vela::ProjectFile>;
+template class ContentFile<Vela::Sounds>;
 template class ContentFile<Vela::Sprites>;
 
 } // namespace Lantern

@@ -6,6 +6,7 @@
 #include "lantern/motioncode.h"
 #include "lantern/motions.h"
 #include "lantern/options.h"
+#include "lantern/soundsfile.h"
 #include "lantern/spritesfile.h"
 
 #include "frame/archive.h"
@@ -28,13 +29,21 @@ struct Texts
     Q_DECLARE_TR_FUNCTIONS(Lantern)
 };
 
-void addSpriteNames(const SpritesFile &sprites, QHash<QString, QString> &names)
+// Returns the names of what a file holds. An image or a sound that is a file of its own is called
+// as that file.
+QStringList namesIn(const Vela::ProjectFile &file)
 {
-    const unsigned int count = sprites.count();
-    for (unsigned int i = 0; i < count; ++i) {
-        const QString name = identifierName(sprites.at(i)->identifier());
-        names.insert(name, name);
+    QStringList names;
+    if (const auto *const sprites = dynamic_cast<const SpritesFile *>(&file)) {
+        for (const SpriteRef &sprite : sprites->list<SpriteItem>().items())
+            names.append(identifierName(sprite->identifier()));
+    } else if (const auto *const sounds = dynamic_cast<const SoundsFile *>(&file)) {
+        for (const SoundRef &sound : sounds->list<SoundItem>().items())
+            names.append(sound->value().identifier);
+    } else {
+        names.append(QFileInfo(file.fileName()).completeBaseName());
     }
+    return names;
 }
 
 } // namespace
@@ -56,12 +65,9 @@ const Document::Names &Document::names(int fileType) const
     Names &names = m_names[fileType];
     const QList<ProjectFile *> files = project()->filesByType(fileType);
     for (const ProjectFile *file : files) {
-        if (const auto *const sprites = dynamic_cast<const SpritesFile *>(file)) {
-            addSpriteNames(*sprites, names);
-            continue;
-        }
-        const QString name = QFileInfo(file->fileName()).completeBaseName();
-        names.insert(name.toCaseFolded(), name);
+        const QStringList inFile = namesIn(*file);
+        for (const QString &name : inFile)
+            names.insert(name.toCaseFolded(), name);
     }
     return names;
 }
@@ -158,15 +164,18 @@ void Document::openSound(const QString &name)
     Vela::Interface *const host = Vela::Interface::instance();
     const QList<ProjectFile *> files =
         project() ? project()->filesByType(Vela::Project::Sounds) : QList<ProjectFile *>();
-    const auto isMeant = [&name](const ProjectFile *file) {
-        return QFileInfo(file->fileName()).completeBaseName().compare(name, Qt::CaseInsensitive)
-            == 0;
-    };
-    const auto found = std::find_if(files.begin(), files.end(), isMeant);
-    if (host && found != files.end())
+    const auto found = std::find_if(files.begin(), files.end(), [&name](const ProjectFile *file) {
+        return namesIn(*file).contains(name, Qt::CaseInsensitive);
+    });
+    if (found == files.end()) {
+        if (host)
+            host->log(Texts::tr("There is no sound '%1'.").arg(name));
+        return;
+    }
+    if (auto *const sounds = dynamic_cast<SoundsFile *>(*found))
+        sounds->setSelected(unsigned(sounds->find(0, name)));
+    if (host)
         host->openFile(*found, 0, 0);
-    else if (host)
-        host->log(Texts::tr("There is no sound '%1'.").arg(name));
 }
 
 void Document::openAnimation(const QString &identifier)

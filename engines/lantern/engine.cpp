@@ -183,7 +183,7 @@ QMap<int, QString> Engine::singleFileFilters() const
 {
     return {{Vela::Project::Main, QStringLiteral("*.lantern")},
             {Vela::Project::Sprites, QStringLiteral("*.sprites *.png *.bmp *.pcx *.gif")},
-            {Vela::Project::Sounds, QStringLiteral("*.wav *.ogg *.flac *.mp3")},
+            {Vela::Project::Sounds, QStringLiteral("*.sounds *.wav *.ogg *.flac *.mp3")},
             {Vela::Project::Animations, QStringLiteral("*.motion")},
             {Vela::Project::Scripts, QStringLiteral("*.script")}};
 }

@@ -23,9 +23,14 @@ QString identifierProperty()
 
 } // namespace
 
-PaletteItem::PaletteItem(SpritesFile &file, const Value &value)
-    : m_file(file)
-    , m_value(value)
+bool isSame(const PaletteValue &a, const PaletteValue &b)
+{
+    return a.identifier == b.identifier && isSameStream(a.stream, b.stream);
+}
+
+PaletteItem::PaletteItem(SpritesFile &file, const PaletteValue &value)
+    : ListItem(value)
+    , m_file(file)
 {
 }
 
@@ -36,21 +41,19 @@ QStringList PaletteItem::propertyNames() const
 
 QVariant PaletteItem::property(const QString &name) const
 {
-    return name == identifierProperty() ? identifierText(m_value.identifier) : QVariant();
+    return name == identifierProperty() ? identifierText(value().identifier) : QVariant();
 }
 
 void PaletteItem::setProperty(const QString &name, const QVariant &value)
 {
-    Value changed = m_value;
-    if (name != identifierProperty() || !readIdentifier(value, changed.identifier))
-        return;
-    const Change change(m_file, Texts::tr("Palette's number"));
-    m_file.setValue(*this, changed);
+    PaletteValue changed = this->value();
+    if (name == identifierProperty() && readIdentifier(value, changed.identifier))
+        m_file.changeValue(*this, changed, Texts::tr("Palette's number"));
 }
 
 unsigned int PaletteItem::index() const
 {
-    return m_index;
+    return place();
 }
 
 Vela::Palettes *PaletteItem::parent() const
@@ -60,7 +63,7 @@ Vela::Palettes *PaletteItem::parent() const
 
 bool PaletteItem::colorTable(Vela::RGBA (&table)[256]) const
 {
-    const QByteArray colors = m_value.colors->plain();
+    const QByteArray colors = value().stream->plain();
     if (colors.size() != int(sizeof table))
         return false;
     std::memcpy(table, colors.constData(), sizeof table);
@@ -70,28 +73,21 @@ bool PaletteItem::colorTable(Vela::RGBA (&table)[256]) const
 void PaletteItem::setColorTable(const Vela::RGBA *table, Vela::ShareMode share)
 {
     const QByteArray colors(reinterpret_cast<const char *>(table), 256 * sizeof(Vela::RGBA));
-    Value changed = m_value;
-    changed.colors = m_file.keep(colors, StreamKind::Palette, share);
-    if (!changed.colors)
-        return;
-    const Change change(m_file, Texts::tr("Palette's colors"));
-    m_file.setValue(*this, changed);
+    PaletteValue changed = value();
+    changed.stream = m_file.keep(colors, StreamKind::Palette, share);
+    if (changed.stream)
+        m_file.changeValue(*this, changed, Texts::tr("Palette's colors"));
 }
 
 Vela::Palette *PaletteItem::duplicate() const
 {
     const Change change(m_file, Texts::tr("Duplicate palette"));
-    Value copy = m_value;
+    PaletteValue copy = value();
     while (m_file.palettes()->find(0, QVariant::fromValue(copy.identifier)) >= 0)
         ++copy.identifier.image;
     const auto palette = std::make_shared<PaletteItem>(m_file, copy);
-    m_file.insertPalette(m_index + 1, palette);
+    m_file.list<PaletteItem>().insert(index() + 1, palette);
     return palette.get();
-}
-
-const PaletteItem::Value &PaletteItem::value() const
-{
-    return m_value;
 }
 
 } // namespace Lantern

@@ -1,27 +1,29 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "lantern/streamhandle.h"
+#include "lantern/itemlist.h"
 
 #include "image/palette.h"
-#include "image/subitem.h"
 
 namespace Lantern {
 
 class SpritesFile;
 
+/// What undo takes back of a palette.
+struct PaletteValue
+{
+    Vela::SubItem identifier;
+    StreamRef stream; ///< its colours
+};
+
+/// Returns whether users see no difference.
+bool isSame(const PaletteValue &a, const PaletteValue &b);
+
 /// A palette of a sprites file.
-class PaletteItem : public Vela::Palette, public std::enable_shared_from_this<PaletteItem>
+class PaletteItem : public Vela::Palette, public ListItem<PaletteItem, PaletteValue>
 {
 public:
-    /// What undo takes back.
-    struct Value
-    {
-        Vela::SubItem identifier;
-        StreamRef colors;
-    };
-
-    PaletteItem(SpritesFile &file, const Value &value);
+    PaletteItem(SpritesFile &file, const PaletteValue &value);
 
     /// "Identifier", two whole numbers with a comma between.
     QStringList propertyNames() const override;
@@ -35,14 +37,8 @@ public:
     /// Returns a copy, which stands behind this one, under the next free number.
     Vela::Palette *duplicate() const override;
 
-    const Value &value() const;
-
 private:
-    friend class SpritesFile;
-
     SpritesFile &m_file;
-    Value m_value;
-    unsigned int m_index = 0;
 };
 
 using PaletteRef = std::shared_ptr<PaletteItem>;

@@ -27,10 +27,7 @@ PaletteList::PaletteList(SpritesFile &file)
 
 void PaletteList::move(unsigned int from, unsigned int to)
 {
-    if (from >= count() || to >= count() || from == to)
-        return;
-    const Change change(m_file, Texts::tr("Move palette"));
-    m_file.movePalette(from, to);
+    m_file.moveItem<PaletteItem>(from, to, Texts::tr("Move palette"));
 }
 
 void PaletteList::remove(unsigned int index)
@@ -43,14 +40,7 @@ void PaletteList::remove(unsigned int index)
 
 int PaletteList::compare(unsigned int a, unsigned int b) const
 {
-    const QVector<PaletteRef> &palettes = m_file.paletteItems();
-    if (a >= count() || b >= count() || a == b)
-        return 0;
-    const Vela::SubItem first = palettes.at(int(a))->value().identifier;
-    const Vela::SubItem second = palettes.at(int(b))->value().identifier;
-    if (first == second)
-        return a < b ? -1 : 1;
-    return first < second ? -1 : 1;
+    return m_file.list<PaletteItem>().compare(a, b);
 }
 
 void PaletteList::beginChange()
@@ -80,12 +70,12 @@ Vela::Sprites *PaletteList::sprites() const
 
 unsigned int PaletteList::count() const
 {
-    return unsigned(m_file.paletteItems().size());
+    return m_file.list<PaletteItem>().count();
 }
 
 Vela::Palette *PaletteList::at(unsigned int index) const
 {
-    return index < count() ? m_file.paletteItems().at(int(index)).get() : nullptr;
+    return m_file.list<PaletteItem>().at(index);
 }
 
 Vela::Palette *PaletteList::add(const Vela::RGBA *table, const QVariant &identifier,
@@ -97,18 +87,18 @@ Vela::Palette *PaletteList::add(const Vela::RGBA *table, const QVariant &identif
 Vela::Palette *PaletteList::insert(unsigned int index, const Vela::RGBA *table,
                                    const QVariant &identifier, Vela::ShareMode share)
 {
-    PaletteItem::Value value;
+    PaletteValue value;
     if (!readIdentifier(identifier, value.identifier)) {
         while (find(0, QVariant::fromValue(value.identifier)) >= 0)
             ++value.identifier.image;
     }
     const QByteArray colors(reinterpret_cast<const char *>(table), 256 * sizeof(Vela::RGBA));
-    value.colors = m_file.keep(colors, StreamKind::Palette, share);
-    if (!value.colors)
+    value.stream = m_file.keep(colors, StreamKind::Palette, share);
+    if (!value.stream)
         return nullptr;
     const Change change(m_file, Texts::tr("Add palette"));
     const auto palette = std::make_shared<PaletteItem>(m_file, value);
-    m_file.insertPalette(index, palette);
+    m_file.list<PaletteItem>().insert(index, palette);
     return palette.get();
 }
 
@@ -117,8 +107,8 @@ void PaletteList::removeDuplicates()
     const Change change(m_file, Texts::tr("Remove equal palettes"));
     QHash<QByteArray, PaletteRef> byColors;
     for (unsigned int i = 0; i < count();) {
-        const PaletteRef &palette = m_file.paletteItems().at(int(i));
-        PaletteRef &first = byColors[palette->value().colors->plain()];
+        const PaletteRef &palette = m_file.list<PaletteItem>().items().at(int(i));
+        PaletteRef &first = byColors[palette->value().stream->plain()];
         if (first) {
             m_file.removePalette(i, first);
         } else {
@@ -131,14 +121,7 @@ void PaletteList::removeDuplicates()
 int PaletteList::find(unsigned int start, const QVariant &identifier) const
 {
     Vela::SubItem item;
-    if (!readIdentifier(identifier, item))
-        return -1;
-    const QVector<PaletteRef> &palettes = m_file.paletteItems();
-    for (unsigned int i = start; i < count(); ++i) {
-        if (palettes.at(int(i))->value().identifier == item)
-            return int(i);
-    }
-    return -1;
+    return readIdentifier(identifier, item) ? m_file.list<PaletteItem>().find(start, item) : -1;
 }
 
 void PaletteList::clear()
@@ -152,10 +135,10 @@ void PaletteList::clearUnused()
 {
     const Change change(m_file, Texts::tr("Remove unused palettes"));
     QSet<const PaletteItem *> used;
-    for (const SpriteRef &sprite : m_file.spriteItems())
+    for (const SpriteRef &sprite : m_file.list<SpriteItem>().items())
         used.insert(sprite->value().palette.get());
     for (unsigned int i = count(); i > 0; --i) {
-        if (!used.contains(m_file.paletteItems().at(int(i) - 1).get()))
+        if (!used.contains(m_file.list<PaletteItem>().at(i - 1)))
             m_file.removePalette(i - 1, nullptr);
     }
 }

@@ -7,6 +7,7 @@
 #include "lantern/schema.h"
 #include "lantern/sectioncode.h"
 #include "lantern/settingcode.h"
+#include "lantern/soundsfile.h"
 #include "lantern/spritesfile.h"
 #include "lantern/values.h"
 
@@ -99,6 +100,13 @@ bool isImage(const QString &name)
     static const QStringList suffixes{QStringLiteral("png"), QStringLiteral("bmp"),
                                       QStringLiteral("pcx"), QStringLiteral("gif")};
     return suffixes.contains(QFileInfo(name).suffix().toLower());
+}
+
+// Extensions of the host may read more kinds of sounds than this one knows.
+bool isSingleSound(const QString &name)
+{
+    return !name.isEmpty()
+        && QFileInfo(name).suffix().compare(QLatin1String("sounds"), Qt::CaseInsensitive) != 0;
 }
 
 } // namespace
@@ -292,6 +300,8 @@ void Project::onFileAdded(Vela::ProjectFile *file)
     m_names.insert(file, file->fileName());
     if (auto *const sprites = dynamic_cast<SpritesFile *>(file))
         connect(sprites, &SpritesFile::namesChanged, &m_namesChanged, qOverload<>(&QTimer::start));
+    else if (auto *const sounds = dynamic_cast<SoundsFile *>(file))
+        connect(sounds, &SoundsFile::namesChanged, &m_namesChanged, qOverload<>(&QTimer::start));
     if (!m_takesNames && !file->fileName().isEmpty())
         listFile(file);
 }
@@ -359,7 +369,9 @@ Vela::ProjectFile *createContentFile(int type, const QString &name)
             return new BinaryFile("png");
         return new SpritesFile;
     case Vela::Project::Sounds:
-        return new BinaryFile("wav");
+        if (isSingleSound(name))
+            return new BinaryFile("wav");
+        return new SoundsFile;
     case Vela::Project::Animations:
         return new Document(Scope::Motion);
     case Vela::Project::Scripts:

@@ -66,8 +66,8 @@ private:
     QTimer m_namesChanged;       // many files of a list change at once
 };
 
-/// Makes an empty file of a type of Vela::Project::FileType, or returns null. Among sprites an
-/// image is told by its name from a file of many.
+/// Makes an empty file of a type of Vela::Project::FileType, or returns null. One image, or one
+/// sound, is told by its name from a file of many.
 Vela::ProjectFile *createContentFile(int type, const QString &name);
 
 } // namespace Lantern

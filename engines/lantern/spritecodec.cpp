@@ -104,11 +104,6 @@ void appendRows(const QImage &image, QByteArray &data)
 
 } // namespace
 
-// It is a part of its store.
-void SpriteCodec::release()
-{
-}
-
 bool SpriteCodec::decode(unsigned int encoding, void *, const QByteArray &raw, QByteArray &data)
 {
     Vela::ImageInfo info;
@@ -146,9 +141,15 @@ bool SpriteCodec::encode(unsigned int encoding, void *, const QByteArray &data, 
     }
 }
 
-bool SpriteCodec::encodeSmaller(unsigned int encoding, const QByteArray &plain, QByteArray &raw)
+unsigned int SpriteCodec::preferredEncoding(const QByteArray &plain) const
 {
-    return encoding != Raw && encode(encoding, nullptr, plain, raw) && raw.size() < plain.size();
+    Vela::ImageInfo info;
+    if (!readHead(plain, info) || info.format != QImage::Format_Indexed8)
+        return Png;
+    const auto *const begin = reinterpret_cast<const uchar *>(plain.constData()) + headBytes;
+    const auto *const end = begin + (plain.size() - headBytes);
+    const bool isSmall = std::all_of(begin, end, [](uchar index) { return index < smallColors; });
+    return isSmall ? Lz5 : Rle8;
 }
 
 QImage spriteImage(const QImage &image)
@@ -207,17 +208,6 @@ bool readHead(const QByteArray &stream, Vela::ImageInfo &info)
     info.height = qFromLittleEndian<quint16>(stream.constData() + 2);
     info.format = Vela::formatOfDepth(qFromLittleEndian<quint16>(stream.constData() + 4));
     return info.width > 0 && info.height > 0 && info.format != QImage::Format_Invalid;
-}
-
-Encoding preferredEncoding(const QByteArray &plain)
-{
-    Vela::ImageInfo info;
-    if (!readHead(plain, info) || info.format != QImage::Format_Indexed8)
-        return Png;
-    const auto *const begin = reinterpret_cast<const uchar *>(plain.constData()) + headBytes;
-    const auto *const end = begin + (plain.size() - headBytes);
-    const bool isSmall = std::all_of(begin, end, [](uchar index) { return index < smallColors; });
-    return isSmall ? Lz5 : Rle8;
 }
 
 } // namespace Lantern

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "cache/streamcache.h"
+#include "lantern/streamcodec.h"
+
 #include "image/imageformats.h"
 
 #include <QByteArray>
@@ -17,17 +18,15 @@ enum Encoding : unsigned int { Raw = 0, Png = 1, Rle8 = 2, Rle5 = 3, Lz5 = 4, En
 /// A plain image is a head of 8 bytes (width, height and bits a pixel, 8, 24 or 32, in 16 bits
 /// each, low byte first, and two zeros), then its rows without padding: indices, or blue, green,
 /// red and alpha. An encoded one has the same head, then the codec's bytes.
-class SpriteCodec : public Vela::StreamCache::Codec
+class SpriteCodec : public StreamCodec
 {
 public:
-    void release() override;
     bool decode(unsigned int encoding, void *codecData, const QByteArray &raw,
                 QByteArray &data) override;
     bool encode(unsigned int encoding, void *codecData, const QByteArray &data,
                 QByteArray &raw) override;
-
-    /// Encodes plain data. Returns false if that makes it no smaller.
-    bool encodeSmaller(unsigned int encoding, const QByteArray &plain, QByteArray &raw);
+    /// PNG for colours, LZ5 for up to 32 indices, RLE8 for others.
+    unsigned int preferredEncoding(const QByteArray &plain) const override;
 };
 
 /// Returns an image as one that sprites can have: indexed as it is, any other with 32 bits a pixel.
@@ -40,8 +39,5 @@ QByteArray plainImage(const QImage &image);
 QImage imageFromPlain(const QByteArray &plain);
 /// Reads the head of a stream. Returns false if it is none.
 bool readHead(const QByteArray &stream, Vela::ImageInfo &info);
-/// Returns the encoding that files are written with: PNG for colours, LZ5 for up to 32 indices,
-/// RLE8 for others. Where the outcome is not smaller than the plain form, Raw stands in its place.
-Encoding preferredEncoding(const QByteArray &plain);
 
 } // namespace Lantern

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/spriteitem.h"
 
+#include "lantern/spritecodec.h"
 #include "lantern/spritesfile.h"
 
 #include "image/imageoperations.h"
@@ -74,7 +75,7 @@ void colorsOf(const QImage &image, Vela::RGBA (&colors)[colorCount])
 
 PaletteRef equalPalette(const SpritesFile &file, const Vela::RGBA (&colors)[colorCount])
 {
-    const QVector<PaletteRef> &palettes = file.paletteItems();
+    const QVector<PaletteRef> &palettes = file.list<PaletteItem>().items();
     const auto found =
         std::find_if(palettes.begin(), palettes.end(), [&colors](const PaletteRef &palette) {
             Vela::RGBA own[colorCount];
@@ -117,9 +118,15 @@ QPoint shifted(QPoint place, QPoint by)
 
 } // namespace
 
-SpriteItem::SpriteItem(SpritesFile &file, const Value &value)
-    : m_file(file)
-    , m_value(value)
+bool isSame(const SpriteValue &a, const SpriteValue &b)
+{
+    return a.identifier == b.identifier && a.axis == b.axis && a.palette == b.palette
+        && isSameStream(a.stream, b.stream);
+}
+
+SpriteItem::SpriteItem(SpritesFile &file, const SpriteValue &value)
+    : ListItem(value)
+    , m_file(file)
 {
 }
 
@@ -133,17 +140,17 @@ QStringList SpriteItem::propertyNames() const
 QVariant SpriteItem::property(const QString &name) const
 {
     if (name == Sprite::propertyNames().first())
-        return identifierText(m_value.identifier);
+        return identifierText(value().identifier);
     if (name == axisProperty())
-        return identifierText({m_value.axis.x(), m_value.axis.y()});
+        return identifierText({value().axis.x(), value().axis.y()});
     if (name == paletteProperty())
-        return m_value.palette ? QVariant(m_value.palette->index()) : QVariant(QString());
+        return value().palette ? QVariant(value().palette->index()) : QVariant(QString());
     if (name == widthProperty())
-        return m_value.info.width;
+        return value().info.width;
     if (name == heightProperty())
-        return m_value.info.height;
+        return value().info.height;
     if (name == colorsProperty())
-        return m_value.info.format == QImage::Format_Indexed8 ? Texts::tr("palette")
+        return value().info.format == QImage::Format_Indexed8 ? Texts::tr("palette")
                                                               : Texts::tr("32 bits");
     return {};
 }
@@ -167,7 +174,7 @@ void SpriteItem::setProperty(const QString &name, const QVariant &value)
 
 unsigned int SpriteItem::index() const
 {
-    return m_index;
+    return place();
 }
 
 Vela::Sprites *SpriteItem::parent() const
@@ -178,11 +185,11 @@ Vela::Sprites *SpriteItem::parent() const
 Vela::Sprite *SpriteItem::duplicate() const
 {
     const Change change(m_file, Texts::tr("Duplicate sprite"));
-    Value copy = m_value;
-    copy.identifier = m_file.freeIdentifier(m_value.identifier);
-    copy.palette = m_file.paletteRef(m_value.palette.get());
+    SpriteValue copy = value();
+    copy.identifier = m_file.freeIdentifier(copy.identifier);
+    copy.palette = m_file.paletteRef(copy.palette.get());
     const auto sprite = std::make_shared<SpriteItem>(m_file, copy);
-    m_file.insertSprite(m_index + 1, sprite);
+    m_file.list<SpriteItem>().insert(index() + 1, sprite);
     return sprite.get();
 }
 
@@ -194,7 +201,7 @@ void SpriteItem::crop()
         return;
     const Change change(m_file, Texts::tr("Crop sprite"));
     setImage(cropped, Vela::ShareMode::Share);
-    setAxis(shifted(m_value.axis, offset));
+    setAxis(shifted(value().axis, offset));
 }
 
 void SpriteItem::splitRGB()
@@ -203,61 +210,53 @@ void SpriteItem::splitRGB()
     if (whole.isNull())
         return;
     const Change change(m_file, Texts::tr("Split channels"));
-    unsigned int place = m_index;
+    unsigned int behind = index();
     for (const QRgb mask : {0xFFFF0000u, 0xFF00FF00u, 0xFF0000FFu}) {
-        const Vela::SubItem identifier = m_file.freeIdentifier(m_value.identifier);
-        Vela::Sprite *const channel = m_file.insert(++place, QVariant::fromValue(identifier),
+        const Vela::SubItem identifier = m_file.freeIdentifier(value().identifier);
+        Vela::Sprite *const channel = m_file.insert(++behind, QVariant::fromValue(identifier),
                                                     channelOf(whole, mask), Vela::ShareMode::Share);
         if (channel)
-            channel->setAxis(m_value.axis);
+            channel->setAxis(value().axis);
     }
 }
 
 bool SpriteItem::isEmpty() const
 {
-    return !m_value.image;
+    return !value().stream;
 }
 
 Vela::SubItem SpriteItem::identifier() const
 {
-    return m_value.identifier;
+    return value().identifier;
 }
 
 void SpriteItem::setIdentifier(Vela::SubItem identifier)
 {
-    const Change change(m_file, Texts::tr("Sprite's number"));
-    Value changed = m_value;
+    SpriteValue changed = value();
     changed.identifier = identifier;
-    m_file.setValue(*this, changed);
+    m_file.changeValue(*this, changed, Texts::tr("Sprite's number"));
 }
 
 QImage SpriteItem::image() const
 {
-    QImage image = m_value.image ? imageFromPlain(m_value.image->plain()) : QImage();
+    QImage image = value().stream ? imageFromPlain(value().stream->plain()) : QImage();
     // A stream that is another image than its row says is none.
-    if (image.size() != QSize(m_value.info.width, m_value.info.height)
-        || image.format() != m_value.info.format)
+    if (image.size() != QSize(value().info.width, value().info.height)
+        || image.format() != value().info.format)
         return {};
     if (image.format() == QImage::Format_Indexed8)
-        image.setColorTable(colorTableOf(m_value.palette.get()));
+        image.setColorTable(colorTableOf(value().palette.get()));
     return image;
 }
 
 Vela::ImageInfo SpriteItem::imageProperties() const
 {
-    return m_value.info;
+    return value().info;
 }
 
 bool SpriteItem::imageIsShared() const
 {
-    const StreamRef &own = m_value.image;
-    if (!own || (own.use_count() < 2 && own->item()->refCount() < 2))
-        return false;
-    const QVector<SpriteRef> &sprites = m_file.spriteItems();
-    return std::any_of(sprites.begin(), sprites.end(), [this, &own](const SpriteRef &other) {
-        const StreamRef &image = other->value().image;
-        return other.get() != this && image && image->sharesWith(*own);
-    });
+    return m_file.list<SpriteItem>().sharesStream(*this);
 }
 
 void SpriteItem::setImage(const QImage &image, Vela::ShareMode share)
@@ -275,21 +274,21 @@ void SpriteItem::setImage(const QImage &image, bool keepAxis, PaletteMode mode,
     const Change change(m_file, Texts::tr("Sprite's image"));
     if (!pixels.isNull())
         takeColors(pixels, mode, palette, share);
-    Value changed = m_value;
+    SpriteValue changed = value();
     const QByteArray plain = plainImage(pixels);
     // An image that is there already is neither asked about nor a change.
     if (plain.isEmpty())
-        changed.image = nullptr;
-    else if (!changed.image || changed.image->plain() != plain)
-        changed.image = m_file.keep(plain, StreamKind::Image, share);
-    if (!changed.image && !image.isNull())
+        changed.stream = nullptr;
+    else if (!changed.stream || changed.stream->plain() != plain)
+        changed.stream = m_file.keep(plain, StreamKind::Image, share);
+    if (!changed.stream && !image.isNull())
         return;
-    changed.info = changed.image
+    changed.info = changed.stream
         ? Vela::ImageInfo{quint16(pixels.width()), quint16(pixels.height()), pixels.format()}
-        : Value().info;
+        : SpriteValue().info;
     if (!keepAxis)
-        changed.axis = scaled(m_value.axis, m_value.info, pixels.size());
-    m_file.setValue(*this, changed);
+        changed.axis = scaled(value().axis, value().info, pixels.size());
+    m_file.list<SpriteItem>().setValue(*this, changed);
 }
 
 // Settles which palette the sprite has with a new image, and fits the image to it where asked.
@@ -314,33 +313,26 @@ void SpriteItem::takeColors(QImage &image, PaletteMode mode, Vela::Palette *pale
 
 Vela::Palette *SpriteItem::palette() const
 {
-    return m_value.palette.get();
+    return value().palette.get();
 }
 
 void SpriteItem::setPalette(Vela::Palette *palette)
 {
-    const Change change(m_file, Texts::tr("Sprite's palette"));
-    Value changed = m_value;
+    SpriteValue changed = value();
     changed.palette = m_file.paletteRef(palette);
-    m_file.setValue(*this, changed);
+    m_file.changeValue(*this, changed, Texts::tr("Sprite's palette"));
 }
 
 QPoint SpriteItem::axis() const
 {
-    return m_value.axis;
+    return value().axis;
 }
 
 void SpriteItem::setAxis(QPoint axis)
 {
-    const Change change(m_file, Texts::tr("Sprite's axis"));
-    Value changed = m_value;
+    SpriteValue changed = value();
     changed.axis = axis;
-    m_file.setValue(*this, changed);
-}
-
-const SpriteItem::Value &SpriteItem::value() const
-{
-    return m_value;
+    m_file.changeValue(*this, changed, Texts::tr("Sprite's axis"));
 }
 
 } // namespace Lantern

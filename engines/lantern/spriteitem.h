@@ -7,21 +7,24 @@
 
 namespace Lantern {
 
+/// What undo takes back of a sprite.
+struct SpriteValue
+{
+    Vela::SubItem identifier;
+    QPoint axis;
+    PaletteRef palette;
+    StreamRef stream; ///< its image; null for an empty sprite
+    Vela::ImageInfo info{0, 0, QImage::Format_Invalid};
+};
+
+/// Returns whether users see no difference.
+bool isSame(const SpriteValue &a, const SpriteValue &b);
+
 /// A sprite of a sprites file.
-class SpriteItem : public Vela::Sprite, public std::enable_shared_from_this<SpriteItem>
+class SpriteItem : public Vela::Sprite, public ListItem<SpriteItem, SpriteValue>
 {
 public:
-    /// What undo takes back.
-    struct Value
-    {
-        Vela::SubItem identifier;
-        QPoint axis;
-        PaletteRef palette;
-        StreamRef image; ///< null for an empty sprite
-        Vela::ImageInfo info{0, 0, QImage::Format_Invalid};
-    };
-
-    SpriteItem(SpritesFile &file, const Value &value);
+    SpriteItem(SpritesFile &file, const SpriteValue &value);
 
     /// "Identifier", two whole numbers with a comma between; "Axis", the same; "Palette", an index
     /// or nothing; and, to be read only, "Width", "Height" and "Colors".
@@ -52,16 +55,10 @@ public:
     QPoint axis() const override;
     void setAxis(QPoint axis) override;
 
-    const Value &value() const;
-
 private:
-    friend class SpritesFile;
-
     void takeColors(QImage &image, PaletteMode mode, Vela::Palette *palette, Vela::ShareMode share);
 
     SpritesFile &m_file;
-    Value m_value;
-    unsigned int m_index = 0;
 };
 
 using SpriteRef = std::shared_ptr<SpriteItem>;

@@ -7,18 +7,33 @@ namespace Lantern {
 
 namespace {
 
-// What an item of the cache carries along.
-void *markOf(StreamKind kind)
+unsigned int checksum(const QByteArray &data)
 {
-    static char palette;
-    return kind == StreamKind::Palette ? &palette : nullptr;
+    return Vela::CRC32(data.constData(), size_t(data.size()));
+}
+
+// What an item of the cache carries along.
+struct Mark
+{
+    StreamKind kind;
+    bool keepsEncoding;
+};
+
+void *markOf(StreamKind kind, bool keepsEncoding)
+{
+    static Mark marks[] = {{StreamKind::Image, false},   {StreamKind::Image, true},
+                           {StreamKind::Palette, false}, {StreamKind::Palette, true},
+                           {StreamKind::Sound, false},   {StreamKind::Sound, true}};
+    return &marks[2 * int(kind) + int(keepsEncoding)];
 }
 
 } // namespace
 
-StreamStore::StreamStore(const QString &fileName, bool isPreferred)
-    : m_cache(new Vela::AsyncFileCache(
-        &m_codec, Vela::StreamCache::instance(&m_codec, Vela::StreamCache::Default)))
+StreamStore::StreamStore(std::unique_ptr<StreamCodec> codec, const QString &fileName,
+                         bool isPreferred)
+    : m_codec(std::move(codec))
+    , m_cache(new Vela::AsyncFileCache(
+          m_codec.get(), Vela::StreamCache::instance(m_codec.get(), Vela::StreamCache::Default)))
     , m_isPreferred(isPreferred)
 {
     m_cache->setFileName(fileName);
@@ -43,7 +58,7 @@ StreamRef StreamStore::add(const QVariant &source)
 
 StreamRef StreamStore::addLate(Vela::AsyncFileCache::Item::Info info, StreamKind kind)
 {
-    info.codecData = markOf(kind);
+    info.codecData = markOf(kind, m_isPreferred);
     const StreamRef stream = add(QVariant::fromValue(info));
     m_late.push_back(stream);
     return stream;
@@ -61,25 +76,47 @@ void StreamStore::finishLoads()
 StreamRef StreamStore::addRaw(const QByteArray &raw, unsigned int encoding, StreamKind kind,
                               unsigned int crc)
 {
-    const StreamRef stream = add(QVariant());
-    return stream->fromRawData(raw, encoding, markOf(kind), crc) ? stream : nullptr;
+    return keep(raw, encoding, markOf(kind, m_isPreferred), crc);
 }
 
-StreamRef StreamStore::addPlain(const QByteArray &plain, unsigned int encoding, StreamKind kind)
+StreamRef StreamStore::addPlain(const QByteArray &plain, StreamKind kind)
+{
+    QByteArray raw;
+    const unsigned int encoding = encode(plain, kind, raw);
+    return keep(raw, encoding, markOf(kind, true), checksum(plain));
+}
+
+StreamRef StreamStore::addEncoded(const QByteArray &plain, unsigned int encoding, StreamKind kind)
+{
+    QByteArray raw = plain;
+    if (encoding != 0 && !m_codec->encodeSmaller(encoding, plain, raw))
+        return nullptr;
+    const unsigned int crc = m_codec->isLossy(encoding) ? 0 : checksum(plain);
+    return keep(raw, encoding, markOf(kind, true), crc);
+}
+
+StreamRef StreamStore::keep(const QByteArray &raw, unsigned int encoding, void *mark,
+                            unsigned int crc)
 {
     const StreamRef stream = add(QVariant());
-    QByteArray raw;
-    if (m_codec.encodeSmaller(encoding, plain, raw)) {
-        const unsigned int crc = Vela::CRC32(plain.constData(), size_t(plain.size()));
-        return stream->fromRawData(raw, encoding, markOf(kind), crc) ? stream : nullptr;
-    }
-    return stream->fromData(plain, Raw, markOf(kind), 0) ? stream : nullptr;
+    return stream->fromRawData(raw, encoding, mark, crc) ? stream : nullptr;
+}
+
+// Encodes plain data as files are to hold it. Returns the encoding.
+unsigned int StreamStore::encode(const QByteArray &plain, StreamKind kind, QByteArray &raw)
+{
+    const unsigned int encoding =
+        kind == StreamKind::Palette ? 0 : m_codec->preferredEncoding(plain);
+    if (m_codec->encodeSmaller(encoding, plain, raw))
+        return encoding;
+    raw = plain;
+    return 0;
 }
 
 StreamRef StreamStore::findTwin(const QByteArray &plain, StreamKind kind)
 {
     Vela::StreamCache::Item *const twin = m_cache->find(plain, nullptr);
-    if (!twin || twin->codecData() != markOf(kind))
+    if (!twin || static_cast<const Mark *>(twin->codecData())->kind != kind)
         return nullptr;
     const StreamRef stream = newHandle();
     stream->itemSwap(twin);
@@ -104,8 +141,14 @@ QByteArray StreamHandle::plain() const
 {
     const QByteArray data = toData();
     const unsigned int known = crc();
-    const bool isIntact = known == 0 || Vela::CRC32(data.constData(), size_t(data.size())) == known;
-    return isIntact ? data : QByteArray();
+    return known == 0 || checksum(data) == known ? data : QByteArray();
+}
+
+unsigned int StreamHandle::plainCrc() const
+{
+    if (m_store->m_codec->isLossy(encoding()))
+        return 0;
+    return crc() == 0 ? checksum(plain()) : crc();
 }
 
 // Streams of other programs get the encoding that this one would have given them, so that equal
@@ -113,20 +156,20 @@ QByteArray StreamHandle::plain() const
 QByteArray StreamHandle::stored(unsigned int &encoding) const
 {
     const QByteArray data = plain();
+    if (data.isEmpty())
+        return data;
+    const Mark &mark = *static_cast<const Mark *>(codecData());
     encoding = StreamCacheData::encoding();
-    if (data.isEmpty() || m_store->m_isPreferred)
-        return data.isEmpty() ? data : toRawData();
+    if (mark.keepsEncoding || m_store->m_codec->isLossy(encoding))
+        return toRawData();
     QByteArray raw;
-    encoding = preferredEncoding(data);
-    if (m_store->m_codec.encodeSmaller(encoding, data, raw))
-        return raw;
-    encoding = Raw;
-    return data;
+    encoding = m_store->encode(data, mark.kind, raw);
+    return raw;
 }
 
-bool StreamHandle::sharesWith(const StreamHandle &other) const
+bool isSameStream(const StreamRef &a, const StreamRef &b)
 {
-    return item() == other.item();
+    return a == b || (a && b && a->item() == b->item());
 }
 
 } // namespace Lantern
