@@ -14,7 +14,7 @@ enum CallOption {
     Quiet = 4,
     Check = 8,
     IndentOnly = 16,
-    Ticks = 32, ///< has a value, as those up to Speed
+    Ticks = 32,
     InFile = 64,
     WithPalette = 128,
     ColorCount = 256,
@@ -25,7 +25,10 @@ enum CallOption {
     Speed = 8192,
     Crop = 16384,
     SharedPalette = 32768,
-    Once = 65536
+    Once = 65536,
+    SampleRate = 131072,
+    SampleBits = 262144,
+    ChannelCount = 524288
 };
 Q_DECLARE_FLAGS(CallOptions, CallOption)
 

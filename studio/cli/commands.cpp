@@ -100,7 +100,7 @@ const std::vector<Command> &commands()
         {"convert",
          "IN OUT",
          {},
-         WithPalette | ColorCount | Scale | Filter | Rotate | Crop | DryRun | Quiet,
+         WithPalette | ColorCount | Scale | Filter | Rotate | Crop | DryRun | Json | Quiet,
          "convert an image or a palette",
          "The formats are told by what follows the last dot of the names. Images: PNG, BMP, GIF,\n"
          "PCX, and what engines add. Palettes: ACT, to be read also ACO, ASE, PAL (RIFF or JASC)\n"
@@ -129,40 +129,90 @@ const std::vector<Command> &commands()
         {"sprites export",
          "FILE FOLDER",
          {},
-         Format | DryRun | Quiet,
+         Format | DryRun | Json | Quiet,
          "write the sprites of a file as images",
          "Writes each sprite to FOLDER/GROUP_IMAGE.png, or what --format says, and prints the\n"
          "names of the images. FOLDER is made if it is not there; images of these names are\n"
          "replaced. Of sprites with the same two numbers the second one gets \"-2\" behind its\n"
          "name, and so on. A PNG holds the axis, as the offset of its picture; other formats do\n"
-         "not.",
+         "not. Transparency that a format does not hold is told, as \"vela convert\" does.",
          runSpritesExport},
         {"sprites import",
          "FILE IMAGE...",
          {},
-         DryRun | Quiet,
+         DryRun | Json | Quiet,
          "put images into a sprites file",
          "Images that are called GROUP_IMAGE, as in 0_1.png, replace the sprite of these two\n"
          "numbers in its place, or become a new one; a replaced sprite keeps its axis unless the\n"
-         "image has an offset of its own. Other images come behind them, with the next free\n"
-         "numbers. FILE is made if it is not there, and saved once, at the end. An image that\n"
-         "cannot be read is left out, and the exit status is 2. Prints the numbers and the image\n"
-         "of each sprite.",
+         "image has an offset of its own. A palette that only replaced sprites used goes with\n"
+         "them. Other images come behind, with the next free numbers. FILE is made if it is not\n"
+         "there, and saved once, at the end. An image that cannot be read is left out, and the\n"
+         "exit status is 2. Prints the numbers and the image of each sprite.",
          runSpritesImport},
+        {"sound convert",
+         "IN OUT",
+         {},
+         SampleRate | SampleBits | ChannelCount | DryRun | Json | Quiet,
+         "convert a sound",
+         "The formats are told by what follows the last dot of the names: WAV, OGG, FLAC, to be\n"
+         "read also MP3, and what engines add. The sound keeps its frames, bits and channels\n"
+         "unless told otherwise: --rate resamples it to N frames a second, from 1 to 1048575,\n"
+         "--bits gives its samples 8, 16, 20, 24 or 32 bits, and --channels makes one channel of\n"
+         "the first two, or two of one. OGG loses what is hard to hear, holds 200000 frames a\n"
+         "second at most, and is always read with 16 bits; FLAC holds 8 channels at most. WAV is\n"
+         "read with integer samples only. OUT may be IN, and is replaced in one step.",
+         runSoundConvert},
+        {"sound info",
+         "FILE...",
+         {},
+         Json,
+         "show length and form of sounds",
+         "Prints one line for each sound: its file, its format, its length in milliseconds, its\n"
+         "frames a second, the bits of its samples, its channels and the number of its frames.\n"
+         "A sound that cannot be read is told, and the exit status is 2.",
+         runSoundInfo},
+        {"sounds list",
+         "FILE",
+         {},
+         Json,
+         "list the sounds of a sounds file",
+         "Prints one line for each sound: its identifier, its length in milliseconds, its frames\n"
+         "a second, the bits of its samples, its channels and the number of its frames.",
+         runSoundsList},
+        {"sounds export",
+         "FILE FOLDER",
+         {},
+         Format | DryRun | Json | Quiet,
+         "write the sounds of a file as files",
+         "Writes each sound to FOLDER/IDENTIFIER.wav, or what --format says, and prints the names\n"
+         "of the files. FOLDER is made if it is not there; files of these names are replaced. Of\n"
+         "sounds with the same identifier the second one gets \"-2\" behind its name, and so on.\n"
+         "In an identifier that is no name of a file \"_\" stands for what cannot be in one.",
+         runSoundsExport},
+        {"sounds import",
+         "FILE SOUND...",
+         {},
+         DryRun | Json | Quiet,
+         "put sounds into a sounds file",
+         "The identifier of a sound is the name of its file without what follows the last dot. A\n"
+         "sound that FILE has is replaced in its place, others come behind. FILE is made if it is\n"
+         "not there, and saved once, at the end. Where two files are for one sound nothing is\n"
+         "done. A sound that cannot be read is left out, and the exit status is 2. Prints the\n"
+         "identifier and the file of each sound.",
+         runSoundsImport},
         {"gif",
          "PROJECT ID OUT",
          {},
-         InFile | Scale | Speed | SharedPalette | Once | DryRun | Quiet,
+         InFile | Scale | Speed | SharedPalette | Once | DryRun | Json | Quiet,
          "write an animation as a GIF",
-         "Writes the animation with the identifier ID, the axes of its sprites in one place, "
-         "moved\n"
-         "by the offsets of the frames. Flips and scales are applied; angles and blending are "
-         "not,\n"
-         "and a warning tells so. Of an image with a palette the transparent color, or else the\n"
-         "color 0, is not seen. Frames of 0 ticks are left out. The animation begins again at its\n"
-         "first frame, whatever its loop point, unless --once is given or a frame never ends:\n"
-         "that is the last one then. Where several files have the animation, --file takes one of\n"
-         "those that \"vela animations\" prints.",
+         "Writes the animation with the identifier ID, the axes of its sprites in one place,\n"
+         "moved by the offsets of the frames. Only sprites of sprites files are shown. Flips and\n"
+         "scales are applied; angles and blending are not, and a warning tells so. Of an image\n"
+         "with a palette the transparent color, or else the color 0, is not seen. Frames of 0\n"
+         "ticks are left out. The animation begins again at its first frame, whatever its loop\n"
+         "point, unless --once is given or a frame never ends: that is the last one then. Where\n"
+         "several files have the animation, --file takes one of those that \"vela animations\"\n"
+         "prints.",
          runGif},
     };
     return all;

@@ -30,6 +30,11 @@ int runConvert(const Call &call);
 int runSpritesList(const Call &call);
 int runSpritesExport(const Call &call);
 int runSpritesImport(const Call &call);
+int runSoundConvert(const Call &call);
+int runSoundInfo(const Call &call);
+int runSoundsList(const Call &call);
+int runSoundsExport(const Call &call);
+int runSoundsImport(const Call &call);
 int runGif(const Call &call);
 
 } // namespace Studio

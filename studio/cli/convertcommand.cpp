@@ -3,6 +3,7 @@
 #include "studio/cli/colorreduction.h"
 #include "studio/cli/commands.h"
 #include "studio/cli/console.h"
+#include "studio/cli/diskfiles.h"
 
 #include <QRegularExpression>
 #include <QTransform>
@@ -171,41 +172,6 @@ QImage changed(QImage image, const Changes &changes)
     if (hasOffset)
         image.setOffset(bounded(offset));
     return image;
-}
-
-bool hasTransparency(const QImage &image)
-{
-    if (!image.hasAlphaChannel())
-        return false;
-    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
-    for (int y = 0; y < argb.height(); ++y) {
-        const auto *const row = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
-        if (std::any_of(row, row + argb.width(), [](QRgb color) { return qAlpha(color) < 255; }))
-            return true;
-    }
-    return false;
-}
-
-/// Returns what to tell of the transparency that an image loses in a format; null if it loses none.
-/// That of a palette's first color is no loss: sprites have it anyway.
-QString lostTransparency(QImage image, const QByteArray &format)
-{
-    QVector<QRgb> colors = image.colorTable();
-    QString loss;
-    if (format == "BMP") {
-        loss = QStringLiteral("a BMP holds no transparency");
-    } else if (format == "PCX" && !colors.isEmpty()) {
-        loss = QStringLiteral("a PCX with a palette holds no transparency");
-        colors.first() |= ~RGB_MASK;
-    } else if (format == "GIF") {
-        loss = QStringLiteral("a GIF holds no partial transparency");
-        for (QRgb &color : colors)
-            color |= qAlpha(color) == 0 ? ~RGB_MASK : 0;
-    } else {
-        return {};
-    }
-    image.setColorTable(colors);
-    return hasTransparency(image) ? loss : QString();
 }
 
 bool encodePaletteOf(const QImage &image, const QByteArray &format, QByteArray *bytes,

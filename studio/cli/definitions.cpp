@@ -5,6 +5,7 @@
 #include "frame/jobstats.h"
 #include "project/parentproject.h"
 #include "studio/cli/console.h"
+#include "studio/cli/diskfiles.h"
 #include "studio/cli/projectcall.h"
 #include "studio/session/documents.h"
 #include "studio/session/engineloader.h"
@@ -99,13 +100,8 @@ DefinitionFinder::~DefinitionFinder() = default;
 Definition DefinitionFinder::find(const QString &file, const ProjectSession **session)
 {
     const QString path = ProjectSession::normalizedPath(file);
-    const QFileInfo info(path);
-    if (!info.isFile()) {
-        Console::report((info.exists() ? QStringLiteral("%1: is not a file")
-                                       : QStringLiteral("%1: there is no such file"))
-                            .arg(file));
+    if (!hasFile(file))
         return {};
-    }
     QString reason = QStringLiteral("%1: no project above it names this file").arg(file);
     Vela::ProjectFile *const found = findFile(path, session, &reason);
     if (!found) {

@@ -8,6 +8,7 @@
 #include "studio/cli/animationfiles.h"
 #include "studio/cli/commands.h"
 #include "studio/cli/console.h"
+#include "studio/cli/diskfiles.h"
 #include "studio/cli/imagefiles.h"
 #include "studio/cli/projectcall.h"
 
@@ -162,8 +163,10 @@ bool GifFrames::add(const Vela::FrameCode &frame, QString *error)
     const double scaleX = frame.scaleX();
     const double scaleY = frame.scaleY();
     if (picture.image.isNull() && !name.isEmpty()) {
-        const QString reason = sprite ? QStringLiteral("the image of the sprite %1 cannot be read")
-                                      : QStringLiteral("no sprites file has the sprite %1");
+        const QString reason = sprite
+            ? QStringLiteral("the image of the sprite %1 cannot be read")
+            : QStringLiteral("no sprites file has the sprite %1, and an image "
+                             "that is a file of its own is not shown");
         *error = QStringLiteral("line %1: %2")
                      .arg(QString::number(frame.lineNo() + 1), reason.arg(name));
         return false;

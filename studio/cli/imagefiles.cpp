@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "studio/cli/imagefiles.h"
 
-#include "engine/extensionmanager.h"
-#include "frame/fileutils.h"
 #include "image/imageformats.h"
 #include "image/paletteobject.h"
-#include "studio/cli/commandline.h"
-#include "studio/cli/console.h"
-#include "studio/session/projectsession.h"
+#include "studio/cli/diskfiles.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -25,31 +20,9 @@ bool isAmong(const QByteArray &word, std::initializer_list<const char *> words)
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-bool hasExtension(Vela::Extension::Type type, const QByteArray &word)
-{
-    const auto &extensions = Vela::ExtensionManager::list(type);
-    return std::any_of(extensions.begin(), extensions.end(),
-                       [&word](Vela::Extension *extension) { return word == extension->format(); });
-}
-
 QString text(const QByteArray &word)
 {
     return QString::fromUtf8(word);
-}
-
-/// Sets an error to a file's name and a reason, and returns false.
-bool fail(const QString &file, const QString &reason, QString *error)
-{
-    *error = QStringLiteral("%1: %2").arg(file, reason);
-    return false;
-}
-
-bool open(QFile &device, const QString &file, QString *error)
-{
-    device.setFileName(ProjectSession::normalizedPath(file));
-    if (QFileInfo(device.fileName()).isDir())
-        return fail(file, QStringLiteral("is a folder"), error);
-    return device.open(QIODevice::ReadOnly) || fail(file, device.errorString(), error);
 }
 
 QImage::Format plainFormat(const QImage &image)
@@ -63,6 +36,19 @@ QImage::Format plainFormat(const QImage &image)
     default:
         return image.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32;
     }
+}
+
+bool hasTransparency(const QImage &image)
+{
+    if (!image.hasAlphaChannel())
+        return false;
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < argb.height(); ++y) {
+        const auto *const row = reinterpret_cast<const QRgb *>(argb.constScanLine(y));
+        if (std::any_of(row, row + argb.width(), [](QRgb color) { return qAlpha(color) < 255; }))
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -116,11 +102,11 @@ QImage readImage(const QString &file, QString *error)
     QFile device;
     QImage image;
     if (!format.loadsImages)
-        fail(file, QStringLiteral("is of no format of images that can be read"), error);
-    else if (!open(device, file, error))
+        failFile(file, QStringLiteral("is of no format of images that can be read"), error);
+    else if (!openFile(device, file, error))
         return {};
     else if (!Vela::loadImage(&device, format.word.constData(), image))
-        fail(file, QStringLiteral("is no %1 image").arg(text(format.word)), error);
+        failFile(file, QStringLiteral("is no %1 image").arg(text(format.word)), error);
     else if (image.format() != plainFormat(image))
         image = image.convertToFormat(plainFormat(image));
     return image;
@@ -144,44 +130,46 @@ bool encodeImage(const QImage &image, const QByteArray &format, QByteArray *byte
     return false;
 }
 
-bool writeFile(const QString &file, const QByteArray &bytes, QString *error)
+QString lostTransparency(QImage image, const QByteArray &format)
 {
-    QSaveFile device(ProjectSession::normalizedPath(file));
-    if (device.open(QIODevice::WriteOnly) && device.write(bytes) == bytes.size()
-        && Vela::commitFile(device))
-        return true;
-    return fail(file, device.errorString(), error);
-}
-
-int finishFile(const Call &call, const QString &file, const QByteArray &bytes)
-{
-    QString error;
-    if (!call.options.testFlag(DryRun) && !writeFile(file, bytes, &error))
-        return Console::fail(error);
-    if (!call.options.testFlag(Quiet))
-        Console::print(file + QLatin1Char('\n'));
-    return Done;
+    QVector<QRgb> colors = image.colorTable();
+    QString loss;
+    if (format == "BMP") {
+        loss = QStringLiteral("a BMP holds no transparency");
+    } else if (format == "PCX" && !colors.isEmpty()) {
+        loss = QStringLiteral("a PCX with a palette holds no transparency");
+        colors.first() |= ~RGB_MASK;
+    } else if (format == "GIF") {
+        loss = QStringLiteral("a GIF holds no partial transparency");
+        for (QRgb &color : colors)
+            color |= qAlpha(color) == 0 ? ~RGB_MASK : 0;
+    } else {
+        return {};
+    }
+    image.setColorTable(colors);
+    return hasTransparency(image) ? loss : QString();
 }
 
 bool ColorTable::read(const QString &file, QString *error)
 {
     const ImageFormat format = ImageFormat::ofFile(file);
     if (!format.loadsPalettes)
-        return fail(file, QStringLiteral("is of no format of palettes that can be read"), error);
+        return failFile(file, QStringLiteral("is of no format of palettes that can be read"),
+                        error);
     if (format.loadsImages) {
         const QImage image = readImage(file, error);
         if (image.format() == QImage::Format_Indexed8)
             *this = ofImage(image);
         else if (!image.isNull())
-            fail(file, QStringLiteral("has no palette"), error);
+            failFile(file, QStringLiteral("has no palette"), error);
         return error->isEmpty();
     }
     QFile device;
-    if (!open(device, file, error))
+    if (!openFile(device, file, error))
         return false;
     Vela::PaletteObject palette(&colors);
     if (!palette.fromFile(&device, format.word.constData()))
-        return fail(file, QStringLiteral("is no %1 palette").arg(text(format.word)), error);
+        return failFile(file, QStringLiteral("is no %1 palette").arg(text(format.word)), error);
     while (count > 1 && colors[count - 1] == Vela::RGBA())
         --count;
     return true;

@@ -9,8 +9,6 @@
 
 namespace Studio {
 
-struct Call;
-
 /// What a call can do with files of one format.
 struct ImageFormat
 {
@@ -39,12 +37,10 @@ QImage withOneTransparentColor(QImage image);
 QImage readImage(const QString &file, QString *error);
 /// Makes a file's bytes. May be called from any thread.
 bool encodeImage(const QImage &image, const QByteArray &format, QByteArray *bytes, QString *error);
-/// Replaces a file in one step.
-bool writeFile(const QString &file, const QByteArray &bytes, QString *error);
-
-/// Ends a call that makes one file: replaces it, unless the call is a dry run, and prints its name
-/// unless it is quiet. Returns an ExitCode.
-int finishFile(const Call &call, const QString &file, const QByteArray &bytes);
+/// Returns what to tell of the transparency that an image loses in a format; null if it loses none.
+/// That of a palette's first color is no loss in a PCX: sprites have it anyway. May be called from
+/// any thread.
+QString lostTransparency(QImage image, const QByteArray &format);
 
 /// A palette as files hold it.
 struct ColorTable

@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "frame/jobstats.h"
 #include "image/imageformats.h"
 #include "image/palette.h"
 #include "image/palettes.h"
 #include "image/sprite.h"
+#include "studio/cli/collectionexport.h"
 #include "studio/cli/commands.h"
 #include "studio/cli/console.h"
 #include "studio/cli/imagefiles.h"
-#include "studio/cli/parallel.h"
 #include "studio/cli/projectcall.h"
-#include "studio/cli/standalonesprites.h"
+#include "studio/cli/spritename.h"
+#include "studio/cli/standalonefile.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSet>
 
 namespace Studio {
 
@@ -54,124 +51,32 @@ QJsonObject toJson(const Vela::Sprite &sprite)
     return object;
 }
 
-/// A sprite on its way to a file.
-struct Exported
-{
-    QImage image;
-    QByteArray format;
-    QString file;
-    bool isDryRun = false;
-    QString error;
-};
-
 /// Runs on any thread.
-Exported exported(Exported item)
+EncodedItem encoded(const QImage &image, const QByteArray &format)
 {
-    QByteArray bytes;
-    QString error;
-    if (item.image.isNull())
-        error = QStringLiteral("the image cannot be read");
-    else if (encodeImage(item.image, item.format, &bytes, &error) && !item.isDryRun)
-        writeFile(item.file, bytes, &item.error);
-    if (!error.isEmpty())
-        item.error = QStringLiteral("%1: %2").arg(item.file, error);
-    item.image = QImage();
-    return item;
+    EncodedItem result;
+    if (image.isNull())
+        result.error = QStringLiteral("the image cannot be read");
+    else if (encodeImage(image, format, &result.bytes, &result.error))
+        result.warning = lostTransparency(image, format);
+    return result;
 }
 
-/// The sprites of one call on their way to their files.
-class Exporter
+ExportedItem exportedItem(const Vela::Sprite &sprite, const QByteArray &format)
 {
-public:
-    Exporter(const Call &call, const QByteArray &format)
-        : m_call(call)
-        , m_folder(call.arguments.at(1))
-        , m_format(format)
-    {
-    }
-
-    /// Returns whether every sprite that has an image was exported.
-    bool run(const Vela::Sprites &sprites);
-    /// Returns the names of the images, a line each.
-    QString written() const
-    {
-        return m_written;
-    }
-
-private:
-    Exported itemOf(const Vela::Sprite &sprite);
-    void write(QVector<Exported> items, Vela::JobStats &job);
-
-    const Call &m_call;
-    const QDir m_folder;
-    const QByteArray m_format;
-    QSet<QString> m_names;
-    QString m_written;
-    bool m_isComplete = true;
-};
-
-bool Exporter::run(const Vela::Sprites &sprites)
-{
-    const auto job = createJob("Export");
-    job->setMaximum(sprites.count());
-    QVector<Exported> items;
-    for (unsigned int i = 0; i < sprites.count(); ++i) {
-        const Vela::Sprite &sprite = *sprites.at(i);
-        if (!sprite.isEmpty())
-            items.append(itemOf(sprite));
-        if (items.size() < batchSize && i + 1 < sprites.count())
-            continue;
-        write(items, *job);
-        items.clear();
-        job->setValue(i + 1);
-    }
-    return m_isComplete;
-}
-
-Exported Exporter::itemOf(const Vela::Sprite &sprite)
-{
-    const QString numbers = spriteName(sprite.identifier());
-    QString name = numbers;
-    for (int i = 2; m_names.contains(name); ++i)
-        name = QStringLiteral("%1-%2").arg(numbers).arg(i);
-    m_names.insert(name);
-    Exported item;
-    item.image = sprite.image();
-    item.image.setOffset(-sprite.axis());
-    item.format = m_format;
-    item.file = m_folder.filePath(name + QLatin1Char('.') + QString::fromUtf8(m_format).toLower());
-    item.isDryRun = m_call.options.testFlag(DryRun);
-    return item;
-}
-
-void Exporter::write(QVector<Exported> items, Vela::JobStats &job)
-{
-    mapInParallel(items, exported);
-    for (const Exported &item : qAsConst(items)) {
-        if (!item.error.isEmpty()) {
-            job.error(item.error);
-            m_isComplete = false;
-        } else {
-            m_written += item.file + QLatin1Char('\n');
-        }
-    }
-}
-
-void warnOfEmpty(const Vela::Sprites &sprites)
-{
-    for (unsigned int i = 0; i < sprites.count(); ++i) {
-        const Vela::Sprite &sprite = *sprites.at(i);
-        if (sprite.isEmpty())
-            Console::report(
-                QStringLiteral("warning: %1: has no image").arg(spriteName(sprite.identifier())));
-    }
+    const QString name = spriteName(sprite.identifier());
+    if (sprite.isEmpty())
+        return {name, nullptr, QStringLiteral("has no image")};
+    QImage image = sprite.image();
+    image.setOffset(-sprite.axis());
+    return {name, [image, format] { return encoded(image, format); }, {}};
 }
 
 } // namespace
 
 int runSpritesList(const Call &call)
 {
-    const SpritesFilePtr sprites = openSprites(call.arguments.first());
+    const auto sprites = openStandalone<Vela::Sprites>(call.arguments.first());
     if (!sprites)
         return Failed;
     QList<QStringList> rows;
@@ -191,25 +96,12 @@ int runSpritesList(const Call &call)
 
 int runSpritesExport(const Call &call)
 {
-    const QString folder = call.arguments.at(1);
     const ImageFormat format =
         ImageFormat::ofWord(call.values.value(Format, QStringLiteral("png")));
     if (!format.savesImages)
         return Console::fail(QStringLiteral("--format needs a format of images that can be "
                                             "written, such as png, pcx, gif or bmp"));
-    const SpritesFilePtr sprites = openSprites(call.arguments.first());
-    if (!sprites)
-        return Failed;
-    const QString path = ProjectSession::normalizedPath(folder);
-    if (!call.options.testFlag(DryRun) && !QDir().mkpath(path))
-        return Console::fail(QStringLiteral("%1: the folder cannot be made").arg(folder));
-    Exporter exporter(call, format.word);
-    const bool isComplete = exporter.run(*sprites);
-    if (!call.options.testFlag(Quiet)) {
-        Console::print(exporter.written());
-        warnOfEmpty(*sprites);
-    }
-    return isComplete ? Done : Failed;
+    return exportCollection<Vela::Sprites>(call, format.word, batchSize, exportedItem);
 }
 
 } // namespace Studio

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "frame/filesystemarchive.h"
-#include "frame/jobstats.h"
+#include "image/palette.h"
+#include "image/palettes.h"
 #include "image/sprite.h"
+#include "studio/cli/collectionimport.h"
 #include "studio/cli/commands.h"
-#include "studio/cli/console.h"
 #include "studio/cli/imagefiles.h"
-#include "studio/cli/parallel.h"
-#include "studio/cli/projectcall.h"
-#include "studio/cli/standalonesprites.h"
-
-#include <QFileInfo>
+#include "studio/cli/spritename.h"
 
 #include <algorithm>
 #include <set>
@@ -21,126 +17,108 @@ namespace {
 // So many images are in memory at once.
 constexpr int batchSize = 64;
 
-/// An image on its way into a sprites file.
-struct Imported
+/// Reads the identifier that the name of an image tells. Returns false if it tells none.
+bool readIdentifier(const QString &file, Vela::SubItem *identifier)
 {
-    QString file;
-    bool hasName = false; ///< whether its name tells the identifier
-    Vela::SubItem identifier;
-    QImage image; ///< null with an error
-    QString error;
-};
+    return readSpriteName(QFileInfo(file).completeBaseName(), identifier);
+}
 
 /// Returns the images in the order in which they are imported: those that are named first, so that
 /// no other takes the numbers that they have. Reports two of one identifier and returns none.
-QVector<Imported> importList(const QStringList &files)
+QStringList importList(QStringList files)
 {
-    QVector<Imported> items;
     std::set<Vela::SubItem> identifiers;
-    for (const QString &file : files) {
-        Imported item;
-        item.file = file;
-        item.hasName = readSpriteName(QFileInfo(file).completeBaseName(), &item.identifier);
-        if (item.hasName && !identifiers.insert(item.identifier).second) {
+    Vela::SubItem identifier;
+    for (const QString &file : qAsConst(files)) {
+        if (readIdentifier(file, &identifier) && !identifiers.insert(identifier).second) {
             Console::report(QStringLiteral("%1: a second image of the sprite %2")
-                                .arg(file, spriteName(item.identifier)));
+                                .arg(file, spriteName(identifier)));
             return {};
         }
-        items.append(item);
     }
-    std::stable_partition(items.begin(), items.end(),
-                          [](const Imported &item) { return item.hasName; });
-    return items;
+    std::stable_partition(files.begin(), files.end(), [&identifier](const QString &file) {
+        return readIdentifier(file, &identifier);
+    });
+    return files;
 }
 
-/// Runs on any thread.
-Imported decoded(Imported item)
+/// Puts images into a sprites file.
+class SpritesImport
 {
-    item.image = readImage(item.file, &item.error);
-    return item;
+public:
+    explicit SpritesImport(Vela::Sprites &sprites)
+        : m_sprites(sprites)
+    {
+    }
+
+    /// Returns the name of the sprite; empty if the file cannot take the image.
+    QString put(const QString &file, const QImage &image);
+    /// Removes the palettes that replaced sprites had and no sprite uses any more.
+    void removeLostPalettes();
+
+private:
+    Vela::Sprite *replaced(Vela::Sprite *sprite, const QImage &image);
+
+    Vela::Sprites &m_sprites;
+    std::set<const Vela::Palette *> m_lostPalettes;
+};
+
+QString SpritesImport::put(const QString &file, const QImage &image)
+{
+    Vela::SubItem identifier;
+    const bool hasName = readIdentifier(file, &identifier);
+    const QVariant wanted = hasName ? QVariant::fromValue(identifier) : QVariant();
+    const int known = hasName ? m_sprites.find(0, wanted) : -1;
+    Vela::Sprite *sprite = nullptr;
+    if (known >= 0)
+        sprite = replaced(m_sprites.at(static_cast<unsigned int>(known)), image);
+    else if (!image.isNull())
+        sprite = m_sprites.add(wanted, image, Vela::ShareMode::Share);
+    if (!sprite)
+        return {};
+    if (!image.offset().isNull())
+        sprite->setAxis(-image.offset());
+    return spriteName(sprite->identifier());
 }
 
-Vela::Sprite *replaced(Vela::Sprite *sprite, const QImage &image)
+Vela::Sprite *SpritesImport::replaced(Vela::Sprite *sprite, const QImage &image)
 {
+    if (image.isNull())
+        return nullptr;
+    m_lostPalettes.insert(sprite->palette());
     sprite->setImage(image, true, Vela::Sprite::OwnPalette, nullptr, Vela::ShareMode::Share);
     const Vela::ImageInfo info = sprite->imageProperties();
     return QSize(info.width, info.height) == image.size() ? sprite : nullptr;
 }
 
-/// Returns null if the file cannot take the image.
-Vela::Sprite *put(Vela::Sprites &sprites, const Imported &item)
+void SpritesImport::removeLostPalettes()
 {
-    const QVariant identifier = item.hasName ? QVariant::fromValue(item.identifier) : QVariant();
-    const int known = item.hasName ? sprites.find(0, identifier) : -1;
-    Vela::Sprite *const sprite = known >= 0
-        ? replaced(sprites.at(static_cast<unsigned int>(known)), item.image)
-        : sprites.add(identifier, item.image, Vela::ShareMode::Share);
-    if (sprite && !item.image.offset().isNull())
-        sprite->setAxis(-item.image.offset());
-    return sprite;
-}
-
-/// Puts decoded images into a file. Returns the numbers and the file of each sprite, and reports
-/// what cannot be taken.
-QList<QStringList> putAll(Vela::Sprites &sprites, const QVector<Imported> &items,
-                          Vela::JobStats &job)
-{
-    QList<QStringList> rows;
-    for (const Imported &item : items) {
-        const Vela::Sprite *const sprite = item.image.isNull() ? nullptr : put(sprites, item);
-        if (sprite)
-            rows.append({spriteName(sprite->identifier()), item.file});
-        else
-            job.error(item.image.isNull()
-                          ? item.error
-                          : QStringLiteral("%1: the file cannot take it").arg(item.file));
+    for (unsigned int i = 0; i < m_sprites.count(); ++i)
+        m_lostPalettes.erase(m_sprites.at(i)->palette());
+    Vela::Palettes &palettes = *m_sprites.palettes();
+    for (unsigned int i = palettes.count(); i-- > 0;) {
+        if (m_lostPalettes.count(palettes.at(i)) > 0)
+            palettes.remove(i);
     }
-    return rows;
-}
-
-QList<QStringList> importAll(Vela::Sprites &sprites, const QVector<Imported> &items)
-{
-    const auto job = createJob("Import");
-    job->setMaximum(static_cast<unsigned int>(items.size()));
-    QList<QStringList> rows;
-    sprites.beginChange();
-    for (int i = 0; i < items.size(); i += batchSize) {
-        QVector<Imported> batch = items.mid(i, batchSize);
-        mapInParallel(batch, decoded);
-        rows += putAll(sprites, batch, *job);
-        job->setValue(static_cast<unsigned int>(qMin(i + batchSize, items.size())));
-    }
-    sprites.endChange();
-    return rows;
-}
-
-/// Returns whether it was saved; otherwise the reason has been reported.
-bool save(Vela::Sprites &sprites, const QString &file)
-{
-    const auto job = createJob("Save");
-    return sprites.toFile(Vela::FileSystemArchive::instance(), ProjectSession::normalizedPath(file),
-                          0, job.get());
 }
 
 } // namespace
 
 int runSpritesImport(const Call &call)
 {
-    const QString file = call.arguments.first();
-    const bool exists = QFileInfo::exists(ProjectSession::normalizedPath(file));
-    const QVector<Imported> items = importList(call.arguments.mid(1));
-    const SpritesFilePtr sprites = items.isEmpty() ? nullptr
-        : exists                                   ? openSprites(file)
-                                                   : createSprites(file);
+    const QStringList files = importList(call.arguments.mid(1));
+    const auto sprites =
+        files.isEmpty() ? nullptr : openOrCreate<Vela::Sprites>(call.arguments.first());
     if (!sprites)
         return Failed;
-    const QList<QStringList> rows = importAll(*sprites, items);
-    const bool isDryRun = call.options.testFlag(DryRun);
-    if (!rows.isEmpty() && !isDryRun && !save(*sprites, file))
-        return Failed;
-    if (!call.options.testFlag(Quiet) && !rows.isEmpty())
-        Console::print(isDryRun ? QList<QStringList>{{file}} : rows);
-    return rows.size() == items.size() ? Done : Failed;
+    SpritesImport target(*sprites);
+    sprites->beginChange();
+    const QVector<ImportedItem> items = importFiles(
+        files, batchSize, readImage,
+        [&target](const QString &file, const QImage &image) { return target.put(file, image); });
+    target.removeLostPalettes();
+    sprites->endChange();
+    return finishImport(call, *sprites, items, files.size(), "sprites");
 }
 
 } // namespace Studio

@@ -568,7 +568,9 @@ void TestCliImages::theCommandsHaveHelp()
     const QString page = QString::fromUtf8(
         readFile(fromEnvironment("VELA_SOURCE_DIR") + QStringLiteral("/docs/vela.1")));
     for (const char *usage : {"convert IN OUT", "sprites list FILE", "sprites export FILE FOLDER",
-                              "sprites import FILE IMAGE...", "gif PROJECT ID OUT"}) {
+                              "sprites import FILE IMAGE...", "gif PROJECT ID OUT",
+                              "sound convert IN OUT", "sound info FILE...", "sounds list FILE",
+                              "sounds export FILE FOLDER", "sounds import FILE SOUND..."}) {
         const QString text = QString::fromUtf8(usage);
         const QString name = text.section(QRegularExpression(QStringLiteral(" (?=[A-Z])")), 0, 0);
         QVERIFY2(vela(QStringLiteral("help")).out.contains(QStringLiteral("\n  ") + text), usage);
@@ -681,6 +683,16 @@ void TestCliImages::spritesComeAndGo()
     QVERIFY(gif.err.contains(QStringLiteral("0_5.gif: a GIF holds")));
     QCOMPARE(linesOf(gif.out).size(), 2);
     QCOMPARE(rgbOf(path(QStringLiteral("out/3_-1.gif"))), rgbOf(path(QStringLiteral("3_-1.png"))));
+
+    // So is lost transparency, which is no failure; the second sprite came as a BMP, without any.
+    const Result bmp = vela(QStringLiteral("sprites export @/a.sprites @/out --format bmp --json"));
+    QCOMPARE(bmp.code, 0);
+    QCOMPARE(linesOf(bmp.err).size(), 2);
+    QVERIFY(bmp.err.contains(QStringLiteral("warning: %1: a BMP holds no transparency")
+                                 .arg(path(QStringLiteral("out/0_5.bmp")))));
+    const QJsonArray files{QStringLiteral("3_-1.bmp"), QStringLiteral("0_4.bmp"),
+                           QStringLiteral("0_5.bmp")};
+    QCOMPARE(json(bmp)[QStringLiteral("files")].toArray(), files);
 }
 
 void TestCliImages::manyImagesKeepTheirOrder()
@@ -722,6 +734,23 @@ void TestCliImages::spritesAreReplacedInTheirPlace()
                           QStringLiteral("0_1  2x2  8 bits  axis 1,1  palette 0")}));
     QCOMPARE(vela(QStringLiteral("sprites export @/a.sprites @/out")).code, 0);
     QCOMPARE(rgbOf(path(QStringLiteral("out/0_0.png"))), pixelsOf("kgg", false));
+    // The palette goes with the last sprite that used it.
+    QVERIFY(indexedImage("kg", {1, 1}, "1").save(path(QStringLiteral("0_1.png"))));
+    const QJsonObject imported =
+        json(vela(QStringLiteral("sprites import @/a.sprites @/0_1.png --json")));
+    const QJsonObject expected{
+        {QStringLiteral("path"), path(QStringLiteral("a.sprites"))},
+        {QStringLiteral("sprites"),
+         QJsonArray{QJsonObject{{QStringLiteral("identifier"), QStringLiteral("0_1")},
+                                {QStringLiteral("file"), path(QStringLiteral("0_1.png"))}}}},
+        {QStringLiteral("written"), true}};
+    QCOMPARE(imported, expected);
+    const QJsonObject list = json(vela(QStringLiteral("sprites list --json @/a.sprites")));
+    QCOMPARE(list[QStringLiteral("palettes")].toInt(), 1);
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(
+            list[QStringLiteral("sprites")].toArray().at(i)[QStringLiteral("palette")].toInt(-1),
+            0);
 }
 
 void TestCliImages::badSpritesAreTold()
@@ -778,7 +807,8 @@ bool TestCliImages::makeGame()
         "[animation lost]\nframe 9_9 : 6\n"
         "[animation nothing]\nframe none : 0\n"
         "[animation wide]\nframe 0_0 : 6, scale = 60000\n"
-        "[animation far]\nframe 0_0 : 6, x = 999999999\nframe 0_0 : 6\n";
+        "[animation far]\nframe 0_0 : 6, x = 999999999\nframe 0_0 : 6\n"
+        "[animation alone]\nframe idle : 6\n";
     // The axis of the first sprite stands on its left pixel, that of the second above it.
     QImage first = indexedImage("kgr", {2, 1}, "12");
     QImage second = indexedImage("kgr", {1, 1}, "2");
@@ -837,8 +867,10 @@ void TestCliImages::animationsBecomeGifs()
     QVERIFY2(info.startsWith("4x"), info.constData());
     QVERIFY(!readFile(path(QStringLiteral("big.gif"))).contains("NETSCAPE2.0"));
 
-    const Result turned = vela(QStringLiteral("gif @ turned @/turned.gif"));
+    const Result turned = vela(QStringLiteral("gif @ turned @/turned.gif --json"));
     QCOMPARE(turned.code, 0);
+    QCOMPARE(json(turned)[QStringLiteral("size")].toInt(),
+             readFile(path(QStringLiteral("turned.gif"))).size());
     QVERIFY(turned.err.contains(QStringLiteral("warning: ")));
     QCOMPARE(vela(QStringLiteral("gif @ turned @/dry.gif --dry-run --quiet")).out, QString());
     QVERIFY(!QFile::exists(path(QStringLiteral("dry.gif"))));
@@ -855,6 +887,7 @@ void TestCliImages::gifsThatCannotBeAreRefused()
     } rows[] = {
         {"gif @ fly @/o.gif", "fly: there is no such animation"},
         {"gif @ lost @/o.gif", "line 14: no sprites file has the sprite 9_9"},
+        {"gif @ alone @/o.gif", "an image that is a file of its own is not shown"},
         {"gif @ nothing @/o.gif", "no frame that shows something"},
         {"gif @ wide @/o.gif", "line 18: the frame is too large"},
         {"gif @ far @/o.gif", "too large for a GIF"},
