@@ -14,10 +14,9 @@ import sys
 
 sys.dont_write_bytecode = True  # the check leaves nothing beside the modules
 
+import meadow
 from art import brook, files, hotaru, mill, rowan, scenery
 from art.sheet import DARK, LIGHT, Sheet, stacked, strip
-
-MEADOW = pathlib.Path(__file__).resolve().parent.parent / "examples" / "meadow"
 
 # The files of sprites, each with all palettes and sprites of a module.
 CONTAINERS = {
@@ -49,18 +48,6 @@ def contents(drawn):
     }
     result.update((path, files.png(sprite, palette)) for path, sprite, palette in images())
     return result
-
-
-def check(expected):
-    """Prints the files that differ from what is expected and returns their number."""
-    faults = 0
-    for path, data in sorted(expected.items()):
-        file = MEADOW / path
-        if not file.is_file() or file.read_bytes() != data:
-            print(f"examples/meadow/{path}: is not what scripts/make_art.py writes")
-            faults += 1
-    print(f"make_art: {faults} faults")
-    return faults
 
 
 def scene(palette, drawn):
@@ -117,11 +104,8 @@ def main():
         arguments.sheet.write_bytes(sheet(drawn))
     if arguments.png:
         write_pngs(arguments.png, drawn)
-    if arguments.check:
-        return 1 if check(contents(drawn)) else 0
-    if not arguments.sheet and not arguments.png:
-        for path, data in contents(drawn).items():
-            (MEADOW / path).write_bytes(data)
+    if arguments.check or not (arguments.sheet or arguments.png):
+        return meadow.written(contents(drawn), "make_art", arguments.check)
     return 0
 
 

@@ -285,8 +285,9 @@ void tst_LanternEngine::filesAreFoundInAnyCase()
         (QStringList{QStringLiteral("1 sprites/idle.png"), QStringLiteral("1 sprites/walk-1.png"),
                      QStringLiteral("1 sprites/walk-2.png"), QStringLiteral("1 rowan.sprites"),
                      QStringLiteral("2 sounds/step.wav"), QStringLiteral("2 sounds/lantern.wav"),
-                     QStringLiteral("3 rowan.motion"), QStringLiteral("4 scripts/rowan.script")}));
-    QCOMPARE(rowan->fileCount(), 9);
+                     QStringLiteral("2 rowan.sounds"), QStringLiteral("3 rowan.motion"),
+                     QStringLiteral("4 scripts/rowan.script")}));
+    QCOMPARE(rowan->fileCount(), 10);
     const ProjectFile *const script = rowan->file(Project::Scripts);
     QVERIFY(script->fileExists());
     QCOMPARE(script->displayName(), QStringLiteral("rowan.script"));
@@ -332,13 +333,13 @@ void tst_LanternEngine::closedProjectsOpenAndClose()
     parent->closedProjectFiles(QStringLiteral("barn/"), files);
     QCOMPARE(files,
              (QStringList{QStringLiteral("barn/barn.lantern"), QStringLiteral("barn/barn.png"),
-                          QStringLiteral("barn/barn.script")}));
+                          QStringLiteral("barn/barn.sounds"), QStringLiteral("barn/barn.script")}));
 
     // One that is closed by the user joins them.
     projectNamed(*parent, "Rowan")->release();
     files.clear();
     parent->closedProjectFiles(QStringLiteral("rowan"), files);
-    QCOMPARE(files.size(), 9);
+    QCOMPARE(files.size(), 10);
     close(parent);
 }
 
@@ -536,10 +537,10 @@ void tst_LanternEngine::changesOfTheMainFileReachTheFiles()
     const QString text = main->toString();
     main->setText(QString(text).remove(QStringLiteral("sounds = sounds/step.wav\n")));
     QCOMPARE(hierarchy.size(), 1);
-    QCOMPARE(rowan->filesByType(Project::Sounds).size(), 1);
+    QCOMPARE(rowan->filesByType(Project::Sounds).size(), 2);
     main->setText(text + QStringLiteral("scripts = rowan.motion\nsounds = none.wav\n"));
     QCOMPARE(hierarchy.size(), 2);
-    QCOMPARE(rowan->filesByType(Project::Sounds).size(), 2);
+    QCOMPARE(rowan->filesByType(Project::Sounds).size(), 3);
     QCOMPARE(rowan->filesByType(Project::Scripts).size(), 2);
     // One file under two types.
     ProjectFile *const motion = rowan->file(Project::Animations);

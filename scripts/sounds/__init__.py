@@ -1,0 +1,1 @@
+"""The sounds of examples/meadow, made by make_sounds.py."""
