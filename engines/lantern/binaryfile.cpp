@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/binaryfile.h"
 
+#include "frame/archive.h"
+
 namespace Lantern {
 
 namespace {
@@ -56,7 +58,19 @@ QStringList BinaryFile::propertyNames() const
 
 QVariant BinaryFile::property(const QString &name) const
 {
-    return name == sizeProperty() ? QVariant(data().size()) : QVariant();
+    return name == sizeProperty() ? QVariant(size()) : QVariant();
+}
+
+// A file may be long, and only looked at.
+qint64 BinaryFile::size() const
+{
+    if (isLoaded())
+        return m_data.size();
+    QIODevice *const device = archive().openFile(fileName(), QIODevice::ReadOnly);
+    const qint64 size = device ? device->size() : 0;
+    if (device)
+        archive().closeFile(device);
+    return size;
 }
 
 void BinaryFile::setProperty(const QString &, const QVariant &)

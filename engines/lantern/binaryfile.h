@@ -35,6 +35,9 @@ protected:
     Vela::Messages *fileMessages() const override;
 
 private:
+    /// Returns the bytes of the content, without reading it.
+    qint64 size() const;
+
     QByteArray m_data;
     bool m_modified = false;
 };

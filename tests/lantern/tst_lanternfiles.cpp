@@ -510,11 +510,13 @@ void tst_LanternFiles::contentIsReadWhenItIsNeeded()
     QVERIFY(!picture->isModified());
     QCOMPARE(&picture->archive(), static_cast<Vela::Archive *>(&archive));
 
-    // A copy passes through without being kept.
+    // A copy passes through without being kept, and its size needs no reading.
     QVERIFY(picture->toFile(archive, QStringLiteral("/b.png"), ProjectFile::Copy, nullptr));
     QVERIFY(!picture->isLoaded());
     QCOMPARE(archive.content(QStringLiteral("/b.png")), QByteArray("abc"));
     QCOMPARE(picture->property(QStringLiteral("Size")).toInt(), 3);
+    QVERIFY(!picture->isLoaded());
+    QCOMPARE(picture->data(), QByteArray("abc"));
     QVERIFY(picture->isLoaded());
     picture->setData("abcd");
     QVERIFY(picture->isModified());
