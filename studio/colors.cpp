@@ -144,6 +144,15 @@ const QVector<ColorInfo> &Colors::table()
          ColorInfo::Mark, 0xffe6e9ee, 0xff3a3f47},
         {"back_end", QT_TRANSLATE_NOOP("Studio::Colors", "Background of pictures, bottom"),
          ColorInfo::Mark, 0xffc4cad3, 0xff24282e},
+        // in sounds
+        {"sound_wave", QT_TRANSLATE_NOOP("Studio::Colors", "Waves of sounds"), ColorInfo::Mark,
+         0xff1b62b5, 0xff7db4ff},
+        {"sound_axis", QT_TRANSLATE_NOOP("Studio::Colors", "Silence in sounds"), ColorInfo::Mark,
+         0xff8a929c, 0xff767c85},
+        {"sound_selection", QT_TRANSLATE_NOOP("Studio::Colors", "Selected part of a sound"),
+         ColorInfo::Mark, 0xffcfe2fa, 0xff2c4a70},
+        {"sound_head", QT_TRANSLATE_NOOP("Studio::Colors", "What is heard of a sound"),
+         ColorInfo::Mark, 0xffc01c28, 0xffff7b72},
     };
     return colors;
 }

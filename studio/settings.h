@@ -26,6 +26,8 @@ struct SettingInfo
     const char *text; ///< as for tr() in the context "Studio::Settings"
     /// What the value, a number from 0, stands for; empty where it is a number only.
     QVector<const char *> choices = {};
+    /// Whether the value is from 0 to 100, as of a volume.
+    bool isVolume = false;
 };
 
 /// A question that the user does not get to see any more.

@@ -29,7 +29,8 @@ public:
     ~SoundPlayer();
 
     /// Returns a buffer with the sound, converted to 16 bits, or null if it holds no frames or
-    /// cannot be converted. It is the caller's, who gives it back with freeBuffer().
+    /// cannot be converted. It is the caller's, who gives it back with freeBuffer(). Of a long
+    /// sound this takes a while: another thread may do it.
     SoundBuffer *createBuffer(const SoundSample &sample) const;
     /// \a buffer may be null. A voice that plays it falls silent.
     void freeBuffer(SoundBuffer *buffer) const;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/clipboardcommands.h"
 
+#include "studio/window/soundwaveform.h"
+
 #include <QApplication>
 #include <QLineEdit>
 #include <QMenu>
@@ -29,6 +31,8 @@ void ClipboardCommands::follow(QWidget *focused)
     } else if (auto *text = qobject_cast<QPlainTextEdit *>(focused)) {
         m_target = text;
         connect(text, &QPlainTextEdit::selectionChanged, this, &ClipboardCommands::changed);
+    } else if (auto *sound = qobject_cast<SoundWaveform *>(focused)) {
+        m_target = sound;
     }
     Q_EMIT changed();
 }
@@ -89,7 +93,7 @@ void ClipboardCommands::selectAll()
     run("selectAll");
 }
 
-// Both kinds of widget have slots of these names.
+// The kinds of widget that can do these have slots of these names.
 void ClipboardCommands::run(const char *slot)
 {
     if (m_target)

@@ -5,8 +5,10 @@
 #include "frame/propertyitem.h"
 #include "frame/textcodecs.h"
 #include "project/projectfile.h"
+#include "sound/soundformats.h"
 
 #include <QBuffer>
+#include <QFileInfo>
 #include <QImageReader>
 
 namespace Studio {
@@ -92,15 +94,27 @@ protected:
     }
 };
 
-bool readStored(const Vela::ProjectFile &file, FileContent &content, QByteArray &data)
+/// Opens what is stored. The archive lives as long as the device.
+std::shared_ptr<QIODevice> openStored(const Vela::ProjectFile &file)
 {
     Vela::Archive &archive = file.archive();
-    QIODevice *device = archive.openFile(file.fileName(), QIODevice::ReadOnly);
+    QIODevice *const device = archive.openFile(file.fileName(), QIODevice::ReadOnly);
+    if (!device)
+        return nullptr;
+    archive.addRef();
+    return {device, [&archive](QIODevice *open) {
+                archive.closeFile(open);
+                archive.release();
+            }};
+}
+
+bool readStored(const Vela::ProjectFile &file, FileContent &content, QByteArray &data)
+{
+    const std::shared_ptr<QIODevice> device = openStored(file);
     if (!device)
         return false;
     content.size = device->size();
     data = device->read(FileContent::LargestImage);
-    archive.closeFile(device);
     return true;
 }
 
@@ -112,6 +126,19 @@ bool readOpen(Vela::ProjectFile &file, FileContent &content, QByteArray &data)
     data = archive.data;
     content.size = data.size();
     return true;
+}
+
+/// Opens what a save would write; null if that fails.
+std::shared_ptr<QIODevice> openChanged(Vela::ProjectFile &file)
+{
+    FileContent content;
+    QByteArray data;
+    if (!readOpen(file, content, data))
+        return nullptr;
+    const auto buffer = std::make_shared<QBuffer>();
+    buffer->setData(data);
+    buffer->open(QIODevice::ReadOnly);
+    return buffer;
 }
 
 bool takeImage(const QByteArray &data, FileContent &content)
@@ -140,6 +167,13 @@ FileContent FileContent::of(Vela::ProjectFile &file)
     FileContent content;
     QByteArray data;
     const bool changed = file.isModified() && file.canSave();
+    content.format = soundFormat(file);
+    if (!content.format.isEmpty()) {
+        content.device = changed ? openChanged(file) : openStored(file);
+        content.kind = content.device ? Sound : Missing;
+        content.size = content.device ? content.device->size() : 0;
+        return content;
+    }
     if (!(changed ? readOpen(file, content, data) : readStored(file, content, data)))
         return content;
 
@@ -154,6 +188,16 @@ FileContent FileContent::of(Vela::ProjectFile &file)
         content.text = Vela::TextCodecs::stringFromData(data.left(int(LargestText)), &codec);
     }
     return content;
+}
+
+QByteArray FileContent::soundFormat(const Vela::ProjectFile &file)
+{
+    const QByteArray suffix = QFileInfo(file.fileName()).suffix().toLatin1();
+    // The filter has a pattern for each format, with a blank or a bracket behind it.
+    const QByteArray pattern = "*." + suffix.toLower();
+    const QByteArray filter = Vela::soundFileExtension(Vela::AllSounds);
+    const bool isKnown = filter.contains(pattern + ' ') || filter.contains(pattern + ')');
+    return isKnown ? suffix.toUpper() : QByteArray();
 }
 
 } // namespace Studio

@@ -10,13 +10,19 @@
 #include "image/palettes.h"
 #include "image/sprite.h"
 #include "image/sprites.h"
-#include "studio/colors.h"
+#include "sound/sound.h"
+#include "sound/sounds.h"
+#include "sound/soundsample.h"
 #include "studio/session/documents.h"
 #include "studio/window/editors.h"
 #include "studio/window/filecontent.h"
 #include "studio/window/findbar.h"
 #include "studio/window/imagepreview.h"
 #include "studio/window/notelabel.h"
+#include "studio/window/soundfileview.h"
+#include "studio/window/soundsview.h"
+#include "studio/window/soundwaveform.h"
+#include "studio/window/soundwords.h"
 #include "studio/window/spritesview.h"
 #include "studio/window/textplaces.h"
 
@@ -29,6 +35,7 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QStackedWidget>
+#include <QTreeView>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
@@ -50,7 +57,7 @@ bool isUnreadable(const Vela::CodeDocument &document)
 
 } // namespace
 
-FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
+FileView::FileView(Editors &editors, Settings &settings, const Colors &colors, QWidget *parent)
     : QWidget(parent)
     , m_editors(editors)
     , m_colors(colors)
@@ -61,6 +68,8 @@ FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     , m_text(new TextView(colors))
     , m_image(new ImagePreview)
     , m_sprites(new SpritesView)
+    , m_sounds(new SoundsView(settings, colors))
+    , m_sound(new SoundFileView(settings, colors))
     , m_words(new NoteLabel)
     , m_findBar(new FindBar(colors))
     , m_syntax(colors)
@@ -79,6 +88,8 @@ FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     m_pages->addWidget(m_text);
     m_pages->addWidget(m_image);
     m_pages->addWidget(m_sprites);
+    m_pages->addWidget(m_sounds);
+    m_pages->addWidget(m_sound);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -90,6 +101,7 @@ FileView::FileView(Editors &editors, const Colors &colors, QWidget *parent)
     connectText(*m_text);
     connect(m_sprites, &SpritesView::edited, this, &FileView::edited);
     connect(m_sprites, &SpritesView::currentChanged, this, &FileView::propertyItemChanged);
+    connectSounds();
     connectFindBar();
     setFile(nullptr, QString());
 }
@@ -102,6 +114,7 @@ FileView::~FileView()
 QLayout *FileView::makeHeader()
 {
     m_title->setObjectName(QStringLiteral("fileTitle"));
+    m_note->setObjectName(QStringLiteral("fileNote"));
     m_title->setTextFormat(Qt::PlainText);
     QFont bold = font();
     bold.setBold(true);
@@ -125,16 +138,15 @@ void FileView::connectText(QPlainTextEdit &text)
     });
 }
 
-void FileView::connectFindBar()
+void FileView::connectSounds()
 {
-    connect(m_findBar, &FindBar::findWanted, this, &FileView::findNext);
-    connect(m_findBar, &FindBar::replaceWanted, this, &FileView::replaceOne);
-    connect(m_findBar, &FindBar::replaceAllWanted, this, &FileView::replaceAll);
-    connect(m_findBar, &FindBar::findEverywhereWanted, this, &FileView::findEverywhereWanted);
-    connect(m_findBar, &FindBar::closeWanted, this, [this] {
-        m_findBar->hide();
-        m_editor->setSearchSelections({});
-        focusText();
+    connect(m_sounds, &SoundsView::edited, this, &FileView::edited);
+    connect(m_sounds, &SoundsView::currentChanged, this, &FileView::propertyItemChanged);
+    connect(m_sounds->sound(), &SoundView::changed, this, &FileView::soundChanged);
+    connect(m_sound, &SoundView::changed, this, &FileView::soundChanged);
+    connect(m_sound, &SoundFileView::infoChanged, this, [this] {
+        if (m_pages->currentWidget() == m_sound)
+            showSoundNote();
     });
 }
 
@@ -144,8 +156,9 @@ void FileView::setFile(Vela::ProjectFile *file, const QString &path)
         m_places.insert(m_path, m_text->place());
     m_file = file;
     m_path = path;
-    // A file may have left its reading to the first need.
-    if (file)
+    m_sound->clear();
+    // A file may have left its reading to the first need. Sounds are read in the background.
+    if (file && FileContent::soundFormat(*file).isEmpty())
         file->isEmpty();
     m_document = documentOf(file);
     if (!m_document || isUnreadable(*m_document) || !edit()) {
@@ -220,25 +233,43 @@ QPlainTextEdit *FileView::textEdit() const
     return m_document ? m_editor : nullptr;
 }
 
+SoundView *FileView::soundView() const
+{
+    if (m_pages->currentWidget() == m_sounds)
+        return m_sounds->sound();
+    return m_pages->currentWidget() == m_sound ? m_sound : nullptr;
+}
+
 Vela::PropertyItem *FileView::propertyItem() const
 {
-    Vela::Sprite *const sprite =
-        m_pages->currentWidget() == m_sprites ? m_sprites->currentSprite() : nullptr;
-    return sprite ? sprite : dynamic_cast<Vela::PropertyItem *>(m_file);
+    const QWidget *const page = m_pages->currentWidget();
+    Vela::PropertyItem *chosen = nullptr;
+    if (page == m_sprites)
+        chosen = m_sprites->currentSprite();
+    else if (page == m_sounds)
+        chosen = m_sounds->currentSound();
+    return chosen ? chosen : dynamic_cast<Vela::PropertyItem *>(m_file);
 }
 
 void FileView::focusText()
 {
+    const QWidget *const page = m_pages->currentWidget();
     if (textEdit())
         textEdit()->setFocus();
-    else if (m_pages->currentWidget() == m_sprites)
+    else if (page == m_sprites)
         m_sprites->list()->setFocus();
+    else if (page == m_sounds)
+        m_sounds->list()->setFocus();
+    else if (page == m_sound)
+        m_sound->setFocus();
 }
 
 void FileView::updateColors()
 {
     m_text->updateColors();
     m_findBar->updateColors();
+    for (const SoundView *sound : {m_sounds->sound(), static_cast<SoundView *>(m_sound)})
+        sound->waveform()->viewport()->update();
     m_syntax.update();
     if (m_document)
         m_syntax.refresh(*m_document);
@@ -299,18 +330,24 @@ void FileView::keyPressEvent(QKeyEvent *event)
 void FileView::showContent()
 {
     auto *const sprites = dynamic_cast<Vela::Sprites *>(m_file);
+    auto *const sounds = dynamic_cast<Vela::Sounds *>(m_file);
     m_sprites->setSprites(sprites);
+    m_sounds->setSounds(sounds);
     if (sprites) {
         m_note->setText(tr("Sprites: %1, palettes: %2")
                             .arg(sprites->count())
                             .arg(sprites->palettes()->count()));
         m_pages->setCurrentWidget(m_sprites);
+    } else if (sounds) {
+        m_note->setText(tr("Sounds: %1").arg(sounds->count()));
+        m_pages->setCurrentWidget(m_sounds);
     } else if (m_document) {
         m_note->setText(m_editor->isReadOnly() ? tr("Read-only view") : QString());
         m_pages->setCurrentWidget(m_editors.code().widget());
     } else {
         showPreview();
     }
+    Q_EMIT soundChanged();
     tellPosition();
 }
 
@@ -335,6 +372,12 @@ void FileView::showPreview()
                             .arg(size));
         m_pages->setCurrentWidget(m_image);
         break;
+    case FileContent::Sound:
+        m_soundSize = size;
+        m_sound->setFile(content.device, content.format);
+        showSoundNote();
+        m_pages->setCurrentWidget(m_sound);
+        break;
     default:
         m_words->setText(!m_file ? tr("Choose a file in the project tree.")
                              : content.kind == FileContent::Other
@@ -344,6 +387,15 @@ void FileView::showPreview()
     }
 }
 
+void FileView::showSoundNote()
+{
+    const Vela::SampleInfo &info = m_sound->info();
+    m_note->setText(
+        info.samples == 0
+            ? m_soundSize
+            : tr("%1, %2, %3").arg(timeWords(info, info.samples), formatWords(info), m_soundSize));
+}
+
 void FileView::tellPosition()
 {
     const QTextCursor cursor = textEdit() ? textEdit()->textCursor() : QTextCursor();
@@ -351,97 +403,6 @@ void FileView::tellPosition()
         Q_EMIT positionChanged(-1, -1);
     else
         Q_EMIT positionChanged(cursor.blockNumber(), cursor.positionInBlock());
-}
-
-void FileView::openFindBar(bool replacing)
-{
-    if (!m_document)
-        return;
-    m_findBar->open(selectedWords(), replacing && !textEdit()->isReadOnly());
-}
-
-QString FileView::selectedWords() const
-{
-    const QString selected = textEdit() ? textEdit()->textCursor().selectedText() : QString();
-    return selected.contains(QChar::ParagraphSeparator) ? QString() : selected;
-}
-
-SearchTerm FileView::searchTerm() const
-{
-    if (m_findBar->isVisible())
-        return m_findBar->term();
-    return {selectedWords(), false, false, false};
-}
-
-void FileView::showMatch(int line, int column, int length)
-{
-    if (!textEdit())
-        return;
-    selectText(*textEdit(), line, column, length);
-    focusText();
-}
-
-void FileView::findNext(bool backward)
-{
-    const SearchTerm term = m_findBar->term();
-    if (!m_document || term.text.isEmpty())
-        return openFindBar(false);
-    const Vela::RegExp expression = term.expression();
-    if (!expression.isValid())
-        return;
-    const unsigned int flags =
-        m_findBar->takeFlags() | (backward ? Vela::CodeDocument::Backward : 0u);
-    tellOutcome(TextSearch(*m_document, *m_editor).find(expression, flags));
-    if (m_findBar->isVisible())
-        highlightMatches(expression);
-}
-
-void FileView::replaceOne()
-{
-    const Vela::RegExp expression = m_findBar->term().expression();
-    if (!canReplace(expression))
-        return;
-    TextSearch(*m_document, *m_editor).replace(expression, m_findBar->replacement());
-    findNext(false);
-}
-
-void FileView::replaceAll()
-{
-    const Vela::RegExp expression = m_findBar->term().expression();
-    if (!canReplace(expression))
-        return;
-    const int count =
-        TextSearch(*m_document, *m_editor).replaceAll(expression, m_findBar->replacement());
-    m_findBar->showNote(count == 0 ? tr("Not found.") : tr("Replaced: %1").arg(count), count == 0);
-    m_editor->setSearchSelections({});
-}
-
-bool FileView::canReplace(const Vela::RegExp &expression) const
-{
-    return m_document && !m_editor->isReadOnly() && expression.isValid()
-        && !m_findBar->term().text.isEmpty();
-}
-
-void FileView::tellOutcome(TextSearch::Outcome outcome)
-{
-    switch (outcome) {
-    case TextSearch::Found:
-        return m_findBar->showNote(QString(), false);
-    case TextSearch::FoundAround:
-        return m_findBar->showNote(tr("Went on at the other end of the text."), false);
-    default:
-        return m_findBar->showNote(tr("Not found."), true);
-    }
-}
-
-void FileView::highlightMatches(const Vela::RegExp &expression)
-{
-    const QTextCharFormat format = m_colors.format(QStringLiteral("search"));
-    QList<QTextEdit::ExtraSelection> marks;
-    const QList<QTextCursor> matches = TextSearch(*m_document, *m_editor).matchesNearby(expression);
-    for (const QTextCursor &match : matches)
-        marks.append({match, format});
-    m_editor->setSearchSelections(marks);
 }
 
 } // namespace Studio

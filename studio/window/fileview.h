@@ -25,16 +25,20 @@ class Colors;
 class Editors;
 class FindBar;
 class ImagePreview;
+class Settings;
+class SoundFileView;
+class SoundsView;
+class SoundView;
 class SpritesView;
 
 /// Shows the content of one file: a definition text, in the workspace of its editor, another text
-/// or an image or sprites, to be looked at, or a few words about any other. Finds in texts.
+/// or images or sounds, to be looked at, or a few words about any other. Finds in texts.
 class FileView : public QWidget
 {
     Q_OBJECT
 
 public:
-    FileView(Editors &editors, const Colors &colors, QWidget *parent = nullptr);
+    FileView(Editors &editors, Settings &settings, const Colors &colors, QWidget *parent = nullptr);
     /// Gives the workspaces' widgets back.
     ~FileView() override;
 
@@ -54,10 +58,12 @@ public:
     void goTo(int line, int column);
     /// Returns where the file's text is shown, or null if it is none.
     QPlainTextEdit *textEdit() const;
-    /// Returns what the properties are of: a sprite that is chosen, or else the file; null if they
-    /// have none.
+    /// Returns where a sound is shown and played, or null.
+    SoundView *soundView() const;
+    /// Returns what the properties are of: a sprite or a sound that is chosen, or else the file;
+    /// null if they have none.
     Vela::PropertyItem *propertyItem() const;
-    /// Gives the focus to the file's text or sprites, if it has any.
+    /// Gives the focus to the file's text or its list, if it has any.
     void focusText();
     /// Takes the colours anew.
     void updateColors();
@@ -78,6 +84,8 @@ Q_SIGNALS:
     void edited();
     /// Something can be undone or redone now, or no longer.
     void historyChanged();
+    /// soundView() is another, or has something to play now, or no longer.
+    void soundChanged();
     /// propertyItem() is another, or has changed.
     void propertyItemChanged();
     /// All matches in all files are asked for.
@@ -92,11 +100,13 @@ private:
     QLayout *makeHeader();
     void connectText(QPlainTextEdit &text);
     void connectFindBar();
+    void connectSounds();
     QString selectedWords() const;
     bool edit();
     void zoom(int turn);
     void showContent();
     void showPreview();
+    void showSoundNote();
     void tellPosition();
     void replaceOne();
     void replaceAll();
@@ -117,6 +127,9 @@ private:
     TextView *m_text;
     ImagePreview *m_image;
     SpritesView *m_sprites;
+    SoundsView *m_sounds;
+    SoundFileView *m_sound;
+    QString m_soundSize;
     QLabel *m_words;
     FindBar *m_findBar;
     SyntaxColors m_syntax;

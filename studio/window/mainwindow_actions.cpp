@@ -16,6 +16,7 @@
 #include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
 #include "studio/window/settingsdialog.h"
+#include "studio/window/soundview.h"
 #include "studio/window/statusfields.h"
 #include "studio/window/windowactions.h"
 
@@ -102,7 +103,9 @@ void MainWindow::updateActions()
     bool met[WindowAction::NeedCount] = {};
     met[WindowAction::Nothing] = true;
     met[WindowAction::AProject] = m_commands->session();
-    met[WindowAction::AWorkspace] = m_host.currentWorkspace();
+    const SoundView *sound = m_view->soundView();
+    met[WindowAction::ASound] = sound && sound->hasSound();
+    met[WindowAction::AZoomedView] = m_host.currentWorkspace() || met[WindowAction::ASound];
     met[WindowAction::AFile] = m_view->file();
     met[WindowAction::AText] = document;
     met[WindowAction::AnEditableText] = text && !text->isReadOnly();

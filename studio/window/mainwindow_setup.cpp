@@ -57,7 +57,7 @@ QWidget *MainWindow::makeEditorPage()
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     bar->addActions(m_host.actions().editorActions()->actions());
     m_tabs = new FileTabs;
-    m_view = new FileView(*m_editors, m_host.colors());
+    m_view = new FileView(*m_editors, m_host.settings(), m_host.colors());
     m_fileCommands = new FileCommands(m_host, *m_editors, m_files, *m_view, *m_commands, this);
     auto *page = new QWidget;
     auto *bars = new QHBoxLayout;
@@ -234,6 +234,7 @@ void MainWindow::connectText()
 {
     connect(m_view, &FileView::positionChanged, this, &MainWindow::updateStatus);
     connect(m_view, &FileView::historyChanged, this, &MainWindow::updateActions);
+    connect(m_view, &FileView::soundChanged, this, &MainWindow::updateActions);
     connect(m_view, &FileView::edited, this, &MainWindow::onEdited);
     connect(m_view, &FileView::propertyItemChanged, this,
             [this] { m_propertiesDock->setItem(m_view->propertyItem()); });

@@ -4,12 +4,16 @@
 #include "image/sprites.h"
 #include "project/parentproject.h"
 #include "project/project.h"
+#include "sound/sounds.h"
+#include "sound/soundsample.h"
 #include "studio/host.h"
 #include "studio/session/projectcontents.h"
 #include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
 #include "studio/window/projectdock.h"
 #include "studio/window/propertiesdock.h"
+#include "studio/window/soundview.h"
+#include "studio/window/soundwaveform.h"
 #include "studio/window/structuredock.h"
 #include "studio/window/textplaces.h"
 #include "studio/window/theme.h"
@@ -79,6 +83,7 @@ void ScreenshotTour::showProject()
     showMessage();
     showText();
     showPictures();
+    showSounds(QStringLiteral("sounds"));
     makeBackup();
     editProperty(QStringLiteral("Encoding"), QStringLiteral("UTF-16"));
     take(QStringLiteral("unsaved"));
@@ -88,17 +93,7 @@ void ScreenshotTour::showPictures()
 {
     const Vela::ProjectFile *image = nullptr;
     const Vela::Sprites *most = nullptr;
-    const QList<Vela::Project *> projects = sortedProjects(parentProject());
-    for (const Vela::Project *project : projects) {
-        const QList<Vela::ProjectFile *> files = project->filesByType(Vela::Project::Sprites);
-        for (const Vela::ProjectFile *file : files) {
-            const auto *sprites = dynamic_cast<const Vela::Sprites *>(file);
-            if (!sprites)
-                image = file;
-            else if (!most || sprites->count() > most->count())
-                most = sprites;
-        }
-    }
+    largest(Vela::Project::Sprites, most, image);
     if (most) {
         m_window.setCurrentFile(m_window.files().path(most));
         auto *list = m_window.findChild<QListView *>(QStringLiteral("spriteList"));
@@ -110,6 +105,45 @@ void ScreenshotTour::showPictures()
         m_window.setCurrentFile(m_window.files().path(image));
         settle();
         take(QStringLiteral("image"));
+    }
+}
+
+void ScreenshotTour::showSounds(const QString &name)
+{
+    const Vela::ProjectFile *single = nullptr;
+    const Vela::Sounds *most = nullptr;
+    largest(Vela::Project::Sounds, most, single);
+    const Vela::ProjectFile *const shown = most ? most : single;
+    if (!shown)
+        return;
+    m_window.setCurrentFile(m_window.files().path(shown));
+    if (most) {
+        auto *list = m_window.findChild<QTreeView *>(QStringLiteral("soundList"));
+        list->setCurrentIndex(list->model()->index(list->model()->rowCount() / 2, 0));
+    }
+    settle();
+    if (const SoundView *view = m_window.view().soundView()) {
+        const unsigned int frames = view->waveform()->audio().info().samples;
+        view->waveform()->select(frames / 5, frames / 2);
+    }
+    settle();
+    take(name);
+}
+
+/// Finds the file with the most items of a type, and a file that is one item.
+template <typename Items>
+void ScreenshotTour::largest(int type, const Items *&most, const Vela::ProjectFile *&single)
+{
+    const QList<Vela::Project *> projects = sortedProjects(parentProject());
+    for (const Vela::Project *project : projects) {
+        const QList<Vela::ProjectFile *> files = project->filesByType(type);
+        for (const Vela::ProjectFile *file : files) {
+            const auto *items = dynamic_cast<const Items *>(file);
+            if (!items)
+                single = file;
+            else if (!most || items->count() > most->count())
+                most = items;
+        }
     }
 }
 
@@ -226,6 +260,7 @@ void ScreenshotTour::showDark()
     m_window.host().setOption(QStringLiteral("theme"), int(Theme::Dark));
     settle();
     take(QStringLiteral("dark"));
+    showSounds(QStringLiteral("dark-sounds"));
     takeDialog(QStringLiteral("dark-shortcuts"), "settings", QString(), 6);
     m_window.host().setOption(QStringLiteral("theme"), int(Theme::OfSystem));
     m_window.commands().save();

@@ -9,7 +9,8 @@ class QWidget;
 
 namespace Vela {
 class ParentProject;
-}
+class ProjectFile;
+} // namespace Vela
 
 namespace Studio {
 
@@ -45,8 +46,12 @@ private:
     void takeDialog(const QString &name, const char *action, const QString &typed = QString(),
                     int page = 0);
     void makeBackup();
-    /// Writes a value that is wrong, goes to the message about it, and takes it back.
     void showPictures();
+    /// Shows a sound of the largest file, with a selection.
+    void showSounds(const QString &name);
+    template <typename Items>
+    void largest(int type, const Items *&most, const Vela::ProjectFile *&single);
+    /// Writes a value that is wrong, goes to the message about it, and takes it back.
     void showMessage();
     /// Makes the main file of the last project current and changes one of its properties.
     void editProperty(const QString &name, const QString &value);

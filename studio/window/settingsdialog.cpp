@@ -3,6 +3,7 @@
 
 #include "engine/engine.h"
 #include "frame/fileutils.h"
+#include "studio/controls.h"
 #include "studio/host.h"
 #include "studio/session/engineloader.h"
 #include "studio/window/colorspage.h"
@@ -108,6 +109,8 @@ QWidget *SettingsDialog::makeEditor(const SettingInfo &info)
     const QVariant value = m_settings.value(key);
     if (!info.choices.isEmpty())
         return makeChoice(info);
+    if (info.isVolume)
+        return makeVolume(info);
     if (key == QLatin1String("font_name"))
         return makeFontChoice(key);
     switch (info.defaultValue.userType()) {
@@ -145,6 +148,17 @@ QWidget *SettingsDialog::makeChoice(const SettingInfo &info)
     connect(box, qOverload<int>(&QComboBox::currentIndexChanged), this,
             [this, key](int index) { m_settings.setValue(key, index); });
     return box;
+}
+
+QWidget *SettingsDialog::makeVolume(const SettingInfo &info)
+{
+    const QString key = QLatin1String(info.key);
+    auto *volume = new VolumeSlider;
+    volume->slider()->setAccessibleName(Settings::text(info));
+    volume->push(m_settings.value(key).toInt());
+    connect(volume, &VolumeSlider::edited, this,
+            [this, key](int value) { m_settings.setValue(key, value); });
+    return volume;
 }
 
 QWidget *SettingsDialog::makeFontChoice(const QString &key)

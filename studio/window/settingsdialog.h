@@ -38,6 +38,7 @@ private:
     QWidget *makePage(int page);
     QWidget *makeEditor(const SettingInfo &info);
     QWidget *makeChoice(const SettingInfo &info);
+    QWidget *makeVolume(const SettingInfo &info);
     QWidget *makeFontChoice(const QString &key);
     void exportSettings();
     void importSettings();

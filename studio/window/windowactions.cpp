@@ -8,6 +8,8 @@
 #include "studio/window/filetabs.h"
 #include "studio/window/fileview.h"
 #include "studio/window/mainwindow.h"
+#include "studio/window/soundview.h"
+#include "studio/window/soundwaveform.h"
 
 #include <QApplication>
 
@@ -41,10 +43,22 @@ std::function<void(MainWindow &)> find(void (FileView::*search)(bool), bool how)
     return [search, how](MainWindow &window) { (window.view().*search)(how); };
 }
 
-/// Runs a command of the workspace that is shown.
-std::function<void(MainWindow &)> zoom(void (Vela::Workspace::*command)())
+/// Runs a command of the sound that is shown.
+std::function<void(MainWindow &)> sound(void (SoundView::*command)())
 {
-    return [command](MainWindow &window) { (window.host().currentWorkspace()->*command)(); };
+    return [command](MainWindow &window) { (window.view().soundView()->*command)(); };
+}
+
+/// Runs a command of the workspace or of the sound that is shown.
+std::function<void(MainWindow &)> zoom(void (Vela::Workspace::*command)(),
+                                       void (SoundWaveform::*ofSound)())
+{
+    return [command, ofSound](MainWindow &window) {
+        if (const SoundView *view = window.view().soundView())
+            (view->waveform()->*ofSound)();
+        else
+            (window.host().currentWorkspace()->*command)();
+    };
 }
 
 const WindowAction separator(const char *menu)
@@ -150,13 +164,22 @@ const QVector<WindowAction> &WindowAction::table()
          Qt::Key_F5, AProject, OnToolBar, project(&ProjectCommands::reload)},
 
         {"zoom_in", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Zoom &In"),
-         QKeySequence::ZoomIn, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomIn)},
+         QKeySequence::ZoomIn, AZoomedView, MenuOnly,
+         zoom(&Vela::Workspace::zoomIn, &SoundWaveform::zoomIn)},
         {"zoom_out", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Zoom &Out"),
-         QKeySequence::ZoomOut, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomOut)},
+         QKeySequence::ZoomOut, AZoomedView, MenuOnly,
+         zoom(&Vela::Workspace::zoomOut, &SoundWaveform::zoomOut)},
         {"zoom_actual", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Actual &Size"),
-         Qt::CTRL + Qt::Key_0, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomActual)},
+         Qt::CTRL + Qt::Key_0, AZoomedView, MenuOnly,
+         zoom(&Vela::Workspace::zoomActual, &SoundWaveform::zoomActual)},
         {"zoom_fit", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Fit"),
-         Qt::CTRL + Qt::Key_9, AWorkspace, MenuOnly, zoom(&Vela::Workspace::zoomFit)},
+         Qt::CTRL + Qt::Key_9, AZoomedView, MenuOnly,
+         zoom(&Vela::Workspace::zoomFit, &SoundWaveform::zoomFit)},
+        separator("view"),
+        {"play", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Play or Stop So&und"),
+         Qt::CTRL + Qt::ALT + Qt::Key_P, ASound, MenuOnly, sound(&SoundView::playOrStop)},
+        {"loop", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "Play Sound in a &Loop or Once"),
+         {}, ASound, MenuOnly, sound(&SoundView::changeLoop)},
         separator("view"),
         {"next_file", "view", QT_TRANSLATE_NOOP("Studio::WindowAction", "&Next File"),
          Qt::CTRL + Qt::Key_Tab, AProject, MenuOnly,

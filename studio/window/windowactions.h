@@ -16,8 +16,9 @@ struct WindowAction
     enum Need {
         Nothing,
         AProject,
-        AWorkspace, ///< that is shown
-        AFile,      ///< that is shown
+        AZoomedView, ///< a workspace or a sound that is shown
+        AFile,       ///< that is shown
+        ASound,      ///< that is shown and can be played
         AText,
         AnEditableText,
         ToUndo,

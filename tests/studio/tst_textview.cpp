@@ -32,7 +32,7 @@ const QString motionPath = QStringLiteral("rowan/rowan.motion");
 const QByteArray words = "# one two One\r\n# twofold (two)\r\n# one\r\n";
 
 // What is listed as a sound, but is a text.
-const QString notePath = QStringLiteral("rowan/sounds/step.wav");
+const QString notePath = QStringLiteral("rowan/sprites/walk-2.png");
 
 // The same as a text: a last line end begins a line.
 const QString wordText = QStringLiteral("# one two One\n# twofold (two)\n# one\n");
@@ -84,7 +84,7 @@ void TestTextView::init()
     f = std::make_unique<WindowFixture>();
     QVERIFY(QTest::qWaitForWindowActive(f->window.get()));
     QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/rowan.motion"), words));
-    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/sounds/step.wav"), words));
+    QVERIFY(SmallGame::writeFile(f->inMeadow("rowan/sprites/walk-2.png"), words));
     text = f->find<QPlainTextEdit>("codeEditor");
 }
 

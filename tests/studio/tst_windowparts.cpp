@@ -202,7 +202,9 @@ void TestWindowParts::contentIsWhatTheOpenFileHolds()
     QCOMPARE(image.kind, FileContent::Image);
     const FileContent sound =
         FileContent::of(*f->window->files().file(QStringLiteral("rowan/sounds/step.wav")));
-    QCOMPARE(sound.kind, FileContent::Other);
+    QCOMPARE(sound.kind, FileContent::Sound);
+    QCOMPARE(sound.format, QByteArray("WAV"));
+    QCOMPARE(sound.device->size(), sound.size);
 }
 
 void TestWindowParts::settingIsStoredAtOnce()

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: MIT
+#include "studio/window/soundsview.h"
+
+#include "sound/sound.h"
+#include "sound/sounds.h"
+#include "studio/window/soundsmodel.h"
+#include "studio/window/soundview.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QSplitter>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace Studio {
+
+SoundsView::SoundsView(Settings &settings, const Colors &colors, QWidget *parent)
+    : QWidget(parent)
+    , m_model(new SoundsModel(this))
+    , m_list(new QTreeView)
+    , m_sound(new SoundView(settings, colors))
+{
+    makeList();
+    auto *const parts = new QSplitter(Qt::Vertical);
+    parts->addWidget(m_list);
+    parts->addWidget(m_sound);
+    parts->setStretchFactor(0, 2);
+    parts->setStretchFactor(1, 3);
+    parts->setChildrenCollapsible(false);
+    auto *const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(parts);
+
+    m_reading.setSingleShot(true);
+    connect(&m_reading, &QTimer::timeout, this, &SoundsView::showSample);
+    connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &SoundsView::onCurrentChanged);
+    connect(m_list, &QTreeView::activated, this, &SoundsView::playOrStop);
+    connect(m_model, &QAbstractItemModel::modelReset, this, &SoundsView::onReset);
+    connect(m_model, &QAbstractItemModel::dataChanged, this, &SoundsView::wantSample);
+}
+
+void SoundsView::makeList()
+{
+    m_list->setObjectName(QStringLiteral("soundList"));
+    m_list->setAccessibleName(tr("Sounds of the file"));
+    m_list->setModel(m_model);
+    m_list->setRootIsDecorated(false);
+    m_list->setUniformRowHeights(true);
+    m_list->setAllColumnsShowFocus(true);
+    m_list->setAlternatingRowColors(true);
+    m_list->header()->setStretchLastSection(false);
+    m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_list->header()->setSectionResizeMode(SoundsModel::Identifier, QHeaderView::Stretch);
+    m_list->installEventFilter(this);
+}
+
+void SoundsView::setSounds(Vela::Sounds *sounds)
+{
+    if (sounds == m_model->sounds())
+        return;
+    if (m_model->sounds())
+        disconnect(m_model->sounds(), nullptr, this, nullptr);
+    m_model->setSounds(sounds);
+    if (sounds)
+        connect(sounds, &Vela::Sounds::modified, this, &SoundsView::edited);
+}
+
+Vela::Sound *SoundsView::currentSound() const
+{
+    return m_model->sound(m_list->currentIndex());
+}
+
+QTreeView *SoundsView::list() const
+{
+    return m_list;
+}
+
+SoundView *SoundsView::sound() const
+{
+    return m_sound;
+}
+
+// The key that plays would choose a row, or search for one with a blank in its name.
+bool SoundsView::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto *const key = static_cast<QKeyEvent *>(event);
+    if (event->type() != QEvent::KeyPress || key->key() != Qt::Key_Space)
+        return QWidget::eventFilter(watched, event);
+    if (!key->isAutoRepeat())
+        playOrStop();
+    return true;
+}
+
+void SoundsView::playOrStop()
+{
+    if (m_reading.isActive())
+        showSample();
+    m_sound->playOrStop();
+}
+
+void SoundsView::onCurrentChanged(const QModelIndex &index)
+{
+    if (m_model->sounds() && index.isValid())
+        m_model->sounds()->setSelected(unsigned(index.row()));
+    wantSample();
+}
+
+void SoundsView::onReset()
+{
+    if (const Vela::Sounds *const sounds = m_model->sounds()) {
+        const int row = std::min(int(sounds->selected()), m_model->rowCount() - 1);
+        m_list->setCurrentIndex(m_model->index(row, 0));
+    }
+    wantSample();
+}
+
+/// Has the current sound decoded when there is nothing else to do. A sound that was shown before
+/// stays until then.
+void SoundsView::wantSample()
+{
+    if (currentSound() != m_shown || !m_shown)
+        m_sound->showWords(currentSound() ? QStringLiteral("\u2026") : QString());
+    m_shown = currentSound();
+    m_reading.start(0);
+    Q_EMIT currentChanged();
+}
+
+void SoundsView::showSample()
+{
+    m_reading.stop();
+    const Vela::Sound *const sound = currentSound();
+    if (!sound)
+        return m_sound->showWords(tr("There is no sound in the file."));
+    if (sound->isEmpty())
+        return m_sound->showWords(tr("The sound is empty."));
+    const Vela::SoundSample sample = sound->sample();
+    if (sample.data.isEmpty())
+        m_sound->showWords(tr("The sound cannot be decoded."));
+    else
+        m_sound->setSample(sample);
+}
+
+} // namespace Studio

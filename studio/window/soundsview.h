@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+class QTreeView;
+
+namespace Vela {
+class Sound;
+class Sounds;
+} // namespace Vela
+
+namespace Studio {
+
+class Colors;
+class Settings;
+class SoundsModel;
+class SoundView;
+
+/// The sounds of a file: all of them as a list, and below it the current one.
+class SoundsView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    SoundsView(Settings &settings, const Colors &colors, QWidget *parent = nullptr);
+
+    /// Shows \a sounds, with the sound that they have selected; null shows none. The same ones
+    /// again change nothing.
+    void setSounds(Vela::Sounds *sounds);
+    /// Returns null if there is none.
+    Vela::Sound *currentSound() const;
+    QTreeView *list() const;
+    SoundView *sound() const;
+
+Q_SIGNALS:
+    /// Another sound is the current one, or it has changed.
+    void currentChanged();
+    /// The file has changed.
+    void edited();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void makeList();
+    void onCurrentChanged(const QModelIndex &index);
+    void onReset();
+    void playOrStop();
+    void wantSample();
+    void showSample();
+
+    SoundsModel *m_model;
+    QTreeView *m_list;
+    SoundView *m_sound;
+    const Vela::Sound *m_shown = nullptr; ///< to be compared only
+    QTimer m_reading;
+};
+
+} // namespace Studio
