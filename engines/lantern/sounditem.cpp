@@ -108,12 +108,14 @@ Vela::SampleInfo SoundItem::info() const
 }
 
 // A stream that is another sound than its row says is none.
-Vela::SoundSample SoundItem::sample() const
+Vela::Sound::Reader SoundItem::reader() const
 {
-    const QByteArray plain = isEmpty() ? QByteArray() : value().stream->plain();
-    Vela::SampleInfo info;
-    return readSoundHead(plain, info) && isSame(info, value().info) ? soundFromPlain(plain)
+    return [stream = value().stream, expected = value().info] {
+        const QByteArray plain = stream ? stream->plain() : QByteArray();
+        Vela::SampleInfo info;
+        return readSoundHead(plain, info) && isSame(info, expected) ? soundFromPlain(plain)
                                                                     : Vela::SoundSample();
+    };
 }
 
 bool SoundItem::dataIsShared() const

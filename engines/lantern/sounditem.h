@@ -41,7 +41,7 @@ public:
     Vela::Sound *duplicate() const override;
     bool isEmpty() const override;
     Vela::SampleInfo info() const override;
-    Vela::SoundSample sample() const override;
+    Reader reader() const override;
     bool dataIsShared() const override;
     using Vela::Sound::setSample;
     /// No data make it an empty sound.

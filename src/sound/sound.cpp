@@ -12,6 +12,11 @@ QStringList Sound::propertyNames() const
     return {QStringLiteral("Identifier")};
 }
 
+SoundSample Sound::sample() const
+{
+    return reader()();
+}
+
 bool Sound::setSample(const SampleInfo &info, const QByteArray &data)
 {
     return setSample(info, data, ShareMode::Share);

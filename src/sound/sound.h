@@ -5,6 +5,8 @@
 #include "frame/propertyitem.h"
 #include "sound/soundsample.h"
 
+#include <functional>
+
 namespace Vela {
 
 class Sounds;
@@ -29,7 +31,11 @@ public:
     /// Returns form and length without decoding the frames.
     virtual SampleInfo info() const = 0;
     /// Returns the frames with their form; an empty sound if they cannot be had.
-    virtual SoundSample sample() const = 0;
+    SoundSample sample() const;
+    /// What makes the sample() that a sound has at this moment, for another thread, where it takes
+    /// long. It may outlive the sound and its file. Its end is to come on the main thread.
+    using Reader = std::function<SoundSample()>;
+    virtual Reader reader() const = 0;
     /// Returns whether another sound holds the same frames.
     virtual bool dataIsShared() const = 0;
     /// Sets the frames, which may be shared.

@@ -43,11 +43,6 @@ void SoundReader::Source::cancel()
     m_cancelled = true;
 }
 
-bool SoundReader::Source::isCancelled() const
-{
-    return m_cancelled;
-}
-
 qint64 SoundReader::Source::readData(char *data, qint64 most)
 {
     if (m_cancelled)
@@ -81,28 +76,39 @@ SoundReader::~SoundReader()
 void SoundReader::read(const std::shared_ptr<QIODevice> &device, const QByteArray &format)
 {
     cancel();
-    const auto source = std::make_shared<Source>(device);
-    m_source = source;
+    m_source = std::make_shared<Source>(device);
     m_progress.start();
+    start([source = m_source, format] {
+        Vela::SoundSample sample;
+        Vela::loadSound(source.get(), format.constData(), sample);
+        return sample;
+    });
+}
+
+void SoundReader::read(const Vela::Sound::Reader &reader)
+{
+    cancel();
+    start(reader);
+}
+
+void SoundReader::start(const Vela::Sound::Reader &reader)
+{
+    // The slot keeps what is read from, so that its end comes on this thread.
+    const auto kept = std::make_shared<Vela::Sound::Reader>(reader);
     auto *const watcher = new QFutureWatcher<Vela::SoundSample>(this);
-    // The slot keeps the source, so that its end comes on this thread.
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, source] {
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, kept, turn = m_turn] {
         watcher->deleteLater();
-        if (source->isCancelled())
+        if (turn != m_turn)
             return;
-        m_progress.stop();
-        m_source.reset();
+        cancel();
         Q_EMIT finished(watcher->result());
     });
-    watcher->setFuture(QtConcurrent::run([input = source.get(), format] {
-        Vela::SoundSample sample;
-        Vela::loadSound(input, format.constData(), sample);
-        return sample;
-    }));
+    watcher->setFuture(QtConcurrent::run([job = kept.get()] { return (*job)(); }));
 }
 
 void SoundReader::cancel()
 {
+    ++m_turn;
     m_progress.stop();
     if (m_source)
         m_source->cancel();

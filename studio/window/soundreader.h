@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "sound/soundsample.h"
+#include "sound/sound.h"
 
 #include <QIODevice>
 #include <QObject>
@@ -11,8 +11,8 @@
 
 namespace Studio {
 
-/// Decodes a file of sound on another thread. It belongs to the main thread, and so do the devices:
-/// they are closed there.
+/// Decodes sounds on another thread, one at a time. It belongs to the main thread, and so do the
+/// devices and what else the sounds come from: they end there.
 class SoundReader : public QObject
 {
     Q_OBJECT
@@ -24,6 +24,8 @@ public:
 
     /// Decodes what \a device, which is open, has. What was being decoded is given up.
     void read(const std::shared_ptr<QIODevice> &device, const QByteArray &format);
+    /// The same for the sound of a collection, without telling how far it is.
+    void read(const Vela::Sound::Reader &reader);
     /// Gives up what is being decoded; nothing more is told of it.
     void cancel();
 
@@ -44,7 +46,6 @@ private:
         bool seek(qint64 position) override;
         int percent() const;
         void cancel();
-        bool isCancelled() const;
 
     protected:
         qint64 readData(char *data, qint64 most) override;
@@ -57,7 +58,10 @@ private:
         std::atomic<bool> m_cancelled{false};
     };
 
-    std::shared_ptr<Source> m_source; ///< of what is being decoded; null if nothing is
+    void start(const Vela::Sound::Reader &reader);
+
+    int m_turn = 0;                   ///< of reading; the last one counts
+    std::shared_ptr<Source> m_source; ///< of the file that is being decoded; null if none is
     QTimer m_progress;
 };
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "studio/window/soundsview.h"
 
-#include "sound/sound.h"
 #include "sound/sounds.h"
 #include "studio/window/soundsmodel.h"
 #include "studio/window/soundview.h"
@@ -15,6 +14,13 @@
 #include <algorithm>
 
 namespace Studio {
+
+namespace {
+
+// So many bytes of frames are decoded in a few hundredths of a second.
+constexpr qint64 ShortSound = 2 * 1024 * 1024;
+
+} // namespace
 
 SoundsView::SoundsView(Settings &settings, const Colors &colors, QWidget *parent)
     : QWidget(parent)
@@ -34,7 +40,8 @@ SoundsView::SoundsView(Settings &settings, const Colors &colors, QWidget *parent
     layout->addWidget(parts);
 
     m_reading.setSingleShot(true);
-    connect(&m_reading, &QTimer::timeout, this, &SoundsView::showSample);
+    connect(&m_reading, &QTimer::timeout, this, &SoundsView::readSample);
+    connect(&m_reader, &SoundReader::finished, this, &SoundsView::showSample);
     connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &SoundsView::onCurrentChanged);
     connect(m_list, &QTreeView::activated, this, &SoundsView::playOrStop);
@@ -97,7 +104,7 @@ bool SoundsView::eventFilter(QObject *watched, QEvent *event)
 void SoundsView::playOrStop()
 {
     if (m_reading.isActive())
-        showSample();
+        readSample();
     m_sound->playOrStop();
 }
 
@@ -124,11 +131,13 @@ void SoundsView::wantSample()
     if (currentSound() != m_shown || !m_shown)
         m_sound->showWords(currentSound() ? QStringLiteral("\u2026") : QString());
     m_shown = currentSound();
+    m_reader.cancel();
     m_reading.start(0);
     Q_EMIT currentChanged();
 }
 
-void SoundsView::showSample()
+// A short sound is there at once; a long one is decoded in the background.
+void SoundsView::readSample()
 {
     m_reading.stop();
     const Vela::Sound *const sound = currentSound();
@@ -136,7 +145,15 @@ void SoundsView::showSample()
         return m_sound->showWords(tr("There is no sound in the file."));
     if (sound->isEmpty())
         return m_sound->showWords(tr("The sound is empty."));
-    const Vela::SoundSample sample = sound->sample();
+    const Vela::SampleInfo info = sound->info();
+    if (qint64(info.samples) * Vela::frameSize(info) <= ShortSound)
+        showSample(sound->sample());
+    else
+        m_reader.read(sound->reader());
+}
+
+void SoundsView::showSample(const Vela::SoundSample &sample)
+{
     if (sample.data.isEmpty())
         m_sound->showWords(tr("The sound cannot be decoded."));
     else

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "studio/window/soundreader.h"
+
 #include <QTimer>
 #include <QWidget>
 
@@ -49,13 +51,15 @@ private:
     void onReset();
     void playOrStop();
     void wantSample();
-    void showSample();
+    void readSample();
+    void showSample(const Vela::SoundSample &sample);
 
     SoundsModel *m_model;
     QTreeView *m_list;
     SoundView *m_sound;
     const Vela::Sound *m_shown = nullptr; ///< to be compared only
     QTimer m_reading;
+    SoundReader m_reader;
 };
 
 } // namespace Studio

@@ -110,6 +110,28 @@ private Q_SLOTS:
         QVERIFY(!view()->playback().isPlaying());
     }
 
+    void longSoundsOfAFileComeLater()
+    {
+        show(soundsName);
+        auto *sounds = f->window->findChild<Studio::SoundsView *>()->currentSound()->parent();
+        const Vela::SoundSample first = tones(2, 44100, 600000);
+        const Vela::SoundSample second = tones(1, 44100, 1200000);
+        sounds->add(QStringLiteral("zz first"), first, Vela::ShareMode::Share);
+        sounds->add(QStringLiteral("zz second"), second, Vela::ShareMode::Share);
+        list()->setCurrentIndex(list()->model()->index(4, 0));
+        QTRY_COMPARE(wave()->audio().data(), first.data);
+        // One goes while it is being decoded, and comes back.
+        list()->setCurrentIndex(list()->model()->index(5, 0));
+        QCOMPARE(wave()->words(), QStringLiteral("\u2026"));
+        QCoreApplication::processEvents(); // now it is
+        sounds->remove(5);
+        QTRY_COMPARE(wave()->audio().data(), first.data);
+        list()->setCurrentIndex(list()->model()->index(4, 0));
+        f->trigger("undo");
+        list()->setCurrentIndex(list()->model()->index(5, 0));
+        QTRY_COMPARE(wave()->audio().data(), second.data);
+    }
+
     void undoOfTheFileComesThrough()
     {
         show(soundsName);
