@@ -36,7 +36,20 @@ Written written(Written item)
         failFile(item.file, encoded.error, &item.error);
     else if (!item.isDryRun)
         writeFile(item.file, encoded.bytes, &item.error);
+    else if (QFileInfo::exists(ProjectSession::normalizedPath(QFileInfo(item.file).path())))
+        isReplaceable(item.file, &item.error);
     return item;
+}
+
+/// Returns whether there is a folder; makes it, or tells in a dry run whether it can be made.
+bool hasFolder(const QString &path, bool isDryRun)
+{
+    if (!isDryRun)
+        return QDir().mkpath(path);
+    QFileInfo nearest(path);
+    while (!nearest.exists() && !nearest.isRoot())
+        nearest.setFile(nearest.path());
+    return nearest.isDir() && (nearest.filePath() == path || nearest.isWritable());
 }
 
 } // namespace
@@ -53,7 +66,7 @@ int CollectionExport::run(unsigned int count,
                           const std::function<ExportedItem(unsigned int)> &itemAt)
 {
     const QString path = ProjectSession::normalizedPath(m_call.arguments.at(1));
-    if (!m_call.options.testFlag(DryRun) && !QDir().mkpath(path))
+    if (!hasFolder(path, m_call.options.testFlag(DryRun)))
         return Console::fail(
             QStringLiteral("%1: the folder cannot be made").arg(m_call.arguments.at(1)));
     {
@@ -89,7 +102,7 @@ void CollectionExport::write(const QVector<ExportedItem> &items, Vela::JobStats 
         if (item.encode)
             batch.append({item.encode, fileOf(item.name), m_call.options.testFlag(DryRun), {}, {}});
         else
-            warn(item.name, item.leftOut);
+            warn(m_call, item.name, item.leftOut);
     }
     mapInParallel(batch, written);
     for (const Written &item : qAsConst(batch)) {
@@ -99,14 +112,9 @@ void CollectionExport::write(const QVector<ExportedItem> &items, Vela::JobStats 
             continue;
         }
         m_files.append(item.file);
-        warn(item.file, item.warning);
+        if (!item.warning.isEmpty())
+            warn(m_call, item.file, item.warning);
     }
-}
-
-void CollectionExport::warn(const QString &name, const QString &text) const
-{
-    if (!text.isEmpty() && !m_call.options.testFlag(Quiet))
-        Console::report(QStringLiteral("warning: %1: %2").arg(name, text));
 }
 
 void CollectionExport::printFiles() const
@@ -115,9 +123,10 @@ void CollectionExport::printFiles() const
         QStringList names;
         for (const QString &file : m_files)
             names.append(QFileInfo(file).fileName());
-        printJson({{QStringLiteral("path"), ProjectSession::normalizedPath(m_folder.path())},
-                   {QStringLiteral("files"), QJsonArray::fromStringList(names)},
-                   {QStringLiteral("written"), !m_call.options.testFlag(DryRun)}});
+        printJson(
+            {{QStringLiteral("path"), ProjectSession::normalizedPath(m_folder.path())},
+             {QStringLiteral("files"), QJsonArray::fromStringList(names)},
+             {QStringLiteral("written"), !m_files.isEmpty() && !m_call.options.testFlag(DryRun)}});
     } else if (!m_call.options.testFlag(Quiet) && !m_files.isEmpty()) {
         Console::print(m_files.join(QLatin1Char('\n')) + QLatin1Char('\n'));
     }

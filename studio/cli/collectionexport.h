@@ -49,7 +49,6 @@ public:
 private:
     QString fileOf(const QString &name);
     void write(const QVector<ExportedItem> &items, Vela::JobStats &job);
-    void warn(const QString &name, const QString &text) const;
     void printFiles() const;
 
     const Call &m_call;

@@ -194,11 +194,12 @@ const std::vector<Command> &commands()
          {},
          DryRun | Json | Quiet,
          "put sounds into a sounds file",
-         "The identifier of a sound is the name of its file without what follows the last dot. A\n"
-         "sound that FILE has is replaced in its place, others come behind. FILE is made if it is\n"
-         "not there, and saved once, at the end. Where two files are for one sound nothing is\n"
-         "done. A sound that cannot be read is left out, and the exit status is 2. Prints the\n"
-         "identifier and the file of each sound.",
+         "The identifier of a sound is the name of its file without what follows the last dot, or\n"
+         "another one, with a warning, where FILE does not take that. A sound that FILE has is\n"
+         "replaced in its place, others come behind. FILE is made if it is not there, and saved\n"
+         "once, at the end. Where two files are for one sound nothing is done. A sound that\n"
+         "cannot be read is left out, and the exit status is 2. Prints the identifier and the\n"
+         "file of each sound.",
          runSoundsImport},
         {"gif",
          "PROJECT ID OUT",

@@ -191,21 +191,19 @@ bool convertImage(const Call &call, const Changes &changes, const ImageFormat &t
     if (image.isNull())
         return false;
     image = changed(image, changes);
-    if (image.isNull()) {
-        *error = QStringLiteral("%1: would be too large, or empty").arg(out);
-        return false;
-    }
+    if (image.isNull())
+        return failFile(out, QStringLiteral("would be too large, or empty"), error);
     const bool isEncoded = to.savesImages ? encodeImage(image, to.word, bytes, error)
                                           : encodePaletteOf(image, to.word, bytes, error);
     if (!isEncoded) {
-        *error = QStringLiteral("%1: %2").arg(out, *error);
+        failFile(out, *error, error);
         if (to.word == "GIF" && image.format() != QImage::Format_Indexed8)
             *error += QStringLiteral("; --colors or --palette gives it one");
         return false;
     }
     const QString loss = lostTransparency(image, to.word);
-    if (!loss.isEmpty() && !call.options.testFlag(Quiet))
-        Console::report(QStringLiteral("warning: %1: %2").arg(out, loss));
+    if (!loss.isEmpty())
+        warn(call, out, loss);
     return true;
 }
 
@@ -213,12 +211,13 @@ bool convertPalette(const Call &call, const ImageFormat &to, QByteArray *bytes, 
 {
     ColorTable table;
     if (!to.savesPalettes)
-        *error =
-            QStringLiteral("%1: a palette cannot be written as an image").arg(call.arguments.at(1));
+        failFile(call.arguments.at(1), QStringLiteral("a palette cannot be written as an image"),
+                 error);
     else if (call.options & imageOptions)
-        *error = QStringLiteral("%1: is a palette, which --crop, --scale, --rotate, --palette and "
-                                "--colors do not change")
-                     .arg(call.arguments.first());
+        failFile(call.arguments.first(),
+                 QStringLiteral("is a palette, which --crop, --scale, --rotate, --palette and "
+                                "--colors do not change"),
+                 error);
     return error->isEmpty() && table.read(call.arguments.first(), error)
         && table.encode(to.word, bytes, error);
 }
@@ -227,11 +226,9 @@ bool convert(const Call &call, QByteArray *bytes, QString *error)
 {
     const ImageFormat from = ImageFormat::ofFile(call.arguments.first());
     const ImageFormat to = ImageFormat::ofFile(call.arguments.at(1));
-    if (!to.savesImages && !to.savesPalettes) {
-        *error =
-            QStringLiteral("%1: is of no format that can be written").arg(call.arguments.at(1));
-        return false;
-    }
+    if (!to.savesImages && !to.savesPalettes)
+        return failFile(call.arguments.at(1), QStringLiteral("is of no format that can be written"),
+                        error);
     Changes changes;
     if (!readChanges(call, &changes, error))
         return false;

@@ -209,10 +209,8 @@ int runGif(const Call &call)
     QString error;
     if (!gif.read(*match.file.animations->at(static_cast<unsigned int>(match.index)), &error))
         return Console::fail(QStringLiteral("%1: %2").arg(match.file.path, error));
-    if (gif.isSimplified() && !call.options.testFlag(Quiet))
-        Console::report(QStringLiteral("warning: %1: the angles and the blending of frames are "
-                                       "not shown")
-                            .arg(out));
+    if (gif.isSimplified())
+        warn(call, out, QStringLiteral("the angles and the blending of frames are not shown"));
     QByteArray bytes;
     QBuffer device(&bytes);
     device.open(QIODevice::WriteOnly);

@@ -10,6 +10,8 @@
 #include <QFileInfo>
 #include <QTextCodec>
 
+#include <csignal>
+
 using namespace Studio;
 
 namespace {
@@ -74,6 +76,8 @@ int execute(const CommandLine &line)
 int main(int argc, char *argv[])
 {
     qInstallMessageHandler(onMessage);
+    // A file that grows too long is to be an error like a full disk, and no end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     // File names are UTF-8 where nothing else is said; Qt would take them for ASCII.

@@ -102,6 +102,12 @@ bool convert(const Call &call, QByteArray *bytes, QString *error)
     return failFile(out, *error, error);
 }
 
+/// Returns the form of a sound, without its frames.
+Vela::SampleInfo formOf(const QString &file, QString *error)
+{
+    return readSound(file, error);
+}
+
 } // namespace
 
 int runSoundConvert(const Call &call)
@@ -117,7 +123,7 @@ int runSoundInfo(const Call &call)
 {
     QList<QStringList> rows;
     QJsonArray array;
-    decodeFiles("Read", call.arguments, batchSize, readSoundInfo,
+    decodeFiles("Read", call.arguments, batchSize, formOf,
                 [&rows, &array](const QString &file, const Vela::SampleInfo &info) {
                     const QString format = QString::fromUtf8(SoundFormat::ofFile(file).word);
                     rows.append(QStringList{file, format} + columnsOf(info));

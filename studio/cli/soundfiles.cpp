@@ -37,23 +37,6 @@ bool isAmong(Vela::SoundExtensionType type, const QByteArray &format)
     return QByteArray(Vela::soundFileExtension(type)).contains("(*." + format.toLower() + ')');
 }
 
-bool failUnreadable(const QString &file, const QByteArray &format, QString *error)
-{
-    return failFile(file,
-                    format == "WAV"
-                        ? QStringLiteral("is no WAV sound of integer samples without compression")
-                        : QStringLiteral("is no %1 sound, or has no frames").arg(text(format)),
-                    error);
-}
-
-/// Opens a sound. Returns false with a reason, too, where its format cannot be read.
-bool openSound(QFile &device, const QString &file, const SoundFormat &format, QString *error)
-{
-    if (!format.loads)
-        return failFile(file, QStringLiteral("is of no format of sounds that can be read"), error);
-    return openFile(device, file, error);
-}
-
 } // namespace
 
 SoundFormat SoundFormat::ofFile(const QString &name)
@@ -120,25 +103,19 @@ Vela::SoundSample readSound(const QString &file, QString *error)
     const SoundFormat format = SoundFormat::ofFile(file);
     QFile device;
     Vela::SoundSample sound;
-    if (!openSound(device, file, format, error))
+    if (!format.loads)
+        failFile(file, QStringLiteral("is of no format of sounds that can be read"), error);
+    if (!format.loads || !openFile(device, file, error))
         return {};
-    if (!Vela::loadSound(&device, format.word.constData(), sound))
-        failUnreadable(file, format.word, error);
+    if (!Vela::loadSound(&device, format.word.constData(), sound) || sound.frequency == 0) {
+        const char *const kind =
+            format.word == "WAV" ? " of integer samples without compression" : "";
+        failFile(file,
+                 QStringLiteral("is no %1 sound%2, or has no frames or too many")
+                     .arg(text(format.word), QLatin1String(kind)),
+                 error);
+    }
     return sound;
-}
-
-Vela::SampleInfo readSoundInfo(const QString &file, QString *error)
-{
-    const SoundFormat format = SoundFormat::ofFile(file);
-    if (format.word != "WAV")
-        return readSound(file, error);
-    QFile device;
-    if (!openSound(device, file, format, error))
-        return {};
-    const Vela::SampleInfo info = Vela::soundInfoFromWAV(&device);
-    if (info.channels == 0)
-        failUnreadable(file, format.word, error);
-    return info;
 }
 
 bool encodeSound(const Vela::SoundSample &sound, const QByteArray &format, QByteArray *bytes,

@@ -36,10 +36,8 @@ QJsonObject toJson(const Vela::SampleInfo &form);
 // The functions below may be called from any thread. Where they fail an error has the whole reason,
 // with the file as the user names it.
 
-/// Reads a sound. Returns an empty one on failure.
+/// Reads a sound.
 Vela::SoundSample readSound(const QString &file, QString *error);
-/// Reads form and length of a sound, of a WAV without its frames. Has no channels on failure.
-Vela::SampleInfo readSoundInfo(const QString &file, QString *error);
 /// Makes a file's bytes. The error does not name the file.
 bool encodeSound(const Vela::SoundSample &sound, const QByteArray &format, QByteArray *bytes,
                  QString *error);

@@ -3,6 +3,7 @@
 #include "studio/cli/collectionexport.h"
 #include "studio/cli/collectionimport.h"
 #include "studio/cli/commands.h"
+#include "studio/cli/diskfiles.h"
 #include "studio/cli/soundfiles.h"
 
 #include <QJsonArray>
@@ -152,6 +153,11 @@ int runSoundsImport(const Call &call)
                         return put(*sounds, file, sound);
                     });
     sounds->endChange();
+    for (const ImportedItem &item : items) {
+        if (item.name.compare(identifierOf(item.file), Qt::CaseInsensitive) != 0)
+            warn(call, item.file,
+                 QStringLiteral("no sound can have this name, it is called %1").arg(item.name));
+    }
     return finishImport(call, *sounds, items, files.size(), "sounds");
 }
 

@@ -22,6 +22,11 @@ inline QString fromEnvironment(const char *name)
     return qEnvironmentVariable(name);
 }
 
+inline QString program()
+{
+    return fromEnvironment("VELA_BUILD_DIR") + QStringLiteral("/bin/vela");
+}
+
 /// Runs the program where there is no display, with nothing of the environment that would help it.
 inline Result run(const QStringList &arguments, const QMap<QString, QString> &environment = {})
 {
@@ -32,7 +37,7 @@ inline Result run(const QStringList &arguments, const QMap<QString, QString> &en
     for (auto it = environment.begin(); it != environment.end(); ++it)
         variables.insert(it.key(), it.value());
     process.setProcessEnvironment(variables);
-    process.start(fromEnvironment("VELA_BUILD_DIR") + QStringLiteral("/bin/vela"), arguments);
+    process.start(program(), arguments);
     Result result;
     if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit)
         result.code = process.exitCode();

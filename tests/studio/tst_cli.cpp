@@ -572,8 +572,7 @@ void TestCli::fullOutputIsAFailure()
         return;
     QProcess process;
     process.setStandardOutputFile(full);
-    process.start(fromEnvironment("VELA_BUILD_DIR") + QStringLiteral("/bin/vela"),
-                  {QStringLiteral("info"), m_game});
+    process.start(program(), {QStringLiteral("info"), m_game});
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitCode(), 2);
     QVERIFY(process.readAllStandardError().contains("standard output"));

@@ -157,6 +157,17 @@ void TestSoundCommands::theInputIsReplacedAtOnce()
     QCOMPARE(result.code, 0);
     QCOMPARE(result.out + result.err, QString());
     QCOMPARE(samplesOf(path("in.wav")).size(), 1000 * 2 * 4);
+    // There is room for a part only.
+    const QByteArray stereo = readFile(path("in.wav"));
+    QProcess shell;
+    shell.start(QStringLiteral("sh"),
+                {QStringLiteral("-c"), QStringLiteral("ulimit -f 8; exec \"$0\" \"$@\""), program(),
+                 QStringLiteral("sound"), QStringLiteral("convert"), path("in.wav"), path("in.wav"),
+                 QStringLiteral("--bits"), QStringLiteral("32")});
+    QVERIFY(shell.waitForFinished());
+    QCOMPARE(shell.exitCode(), 2);
+    QVERIFY(shell.readAllStandardError().contains("in.wav: File too large"));
+    QCOMPARE(readFile(path("in.wav")), stereo);
     QCOMPARE(SmallGame::tree(m_folder).size(), 1);
 }
 
@@ -240,7 +251,10 @@ void TestSoundCommands::soundsAreReplacedInTheirPlace()
     QCOMPARE(result.code, 2);
     QCOMPARE(rowsOf(result), lines("nul @/nul.wav\nb @/b.wav"));
     QVERIFY(result.err.contains(QLatin1String("bad.wav: is no WAV sound")));
-    QCOMPARE(vela("sounds import @/x.sounds @/sub/NUL.flac").code, 0);
+    // A link stays one.
+    QVERIFY(QFile::link(QStringLiteral("x.sounds"), path("link.sounds")));
+    QCOMPARE(vela("sounds import @/link.sounds @/sub/NUL.flac").code, 0);
+    QVERIFY(QFileInfo(path("link.sounds")).isSymLink());
     QCOMPARE(rowsOf(vela("sounds list @/x.sounds")),
              lines("nul 1 ms 44100 Hz 24 bits 1 channel 50 frames\n"
                    "b 125 ms 8000 Hz 16 bits 2 channels 1000 frames"));
@@ -248,6 +262,12 @@ void TestSoundCommands::soundsAreReplacedInTheirPlace()
     QCOMPARE(rowsOf(vela("sounds export @/x.sounds @/out --format ogg")),
              words("@/out/_nul.ogg @/out/b.ogg"));
     QCOMPARE(formOf(path("out/b.ogg")), QByteArray("vorbis,8000,2,N/A"));
+    // No sound takes each name.
+    QVERIFY(QFile::rename(path("b.wav"), path("b?.wav")));
+    const Result renamed = vela("sounds import @/x.sounds @/b?.wav @/nul.wav");
+    QCOMPARE(rowsOf(renamed), lines("sound @/b?.wav\nnul @/nul.wav"));
+    QCOMPARE(linesOf(renamed.err).size(), 1);
+    QVERIFY(renamed.err.contains(QLatin1String("b?.wav: no sound can have this name")));
 }
 
 void TestSoundCommands::whatCannotBeIsRefused()
@@ -258,6 +278,8 @@ void TestSoundCommands::whatCannotBeIsRefused()
     QVERIFY(makeSound(path("float.wav"), "-e float"));
     for (const char *name : {"a.xyz", "bad.wav", "bad.flac", "bad.sounds"})
         QVERIFY(writeFile(path(name), "nothing that could be heard"));
+    QCOMPARE(vela("sounds import @/in.sounds @/in1.wav").code, 0);
+    QVERIFY(makeSound(path("o/in1.wav/sub.wav"), "-b 16"));
     const auto before = SmallGame::tree(m_folder);
     const struct
     {
@@ -267,7 +289,13 @@ void TestSoundCommands::whatCannotBeIsRefused()
         {"sound", "convert, info"},
         {"sound convert @/in1.wav @/o.mp3", "o.mp3: is of no format of sounds that can be written"},
         {"sound convert @/a.xyz @/o.wav", "a.xyz: is of no format of sounds that can be read"},
-        {"sound convert @/in1.wav @/none/o.wav", "none/o.wav: "},
+        {"sound convert @/in1.wav @/none/o.wav", "none/o.wav: its folder is not there"},
+        {"sound convert @/in1.wav @/none/o.wav -n", "none/o.wav: its folder is not there"},
+        {"sound convert @/in1.wav @/o/in1.wav -n", "in1.wav: is a folder"},
+        {"sounds export @/in.sounds @/o -n", "in1.wav: is a folder"},
+        {"sounds export @/in.sounds @/in1.wav/o -n", "in1.wav/o: the folder cannot be made"},
+        {"sounds import @/none/o.sounds @/in1.wav -n", "o.sounds: its folder is not there"},
+        {"sounds import @/none/o.sounds @/in1.wav", "o.sounds: its folder is not there"},
         {"sound convert @/float.wav @/o.wav", "float.wav: is no WAV sound of integer samples"},
         {"sound convert @/bad.flac @/o.wav", "bad.flac: is no FLAC sound"},
         // The options come first: nothing is read in vain.
