@@ -4,6 +4,7 @@
 #include "lantern/splice.h"
 #include "lantern/streamhandle.h"
 
+#include "frame/checksum.h"
 #include "image/subitem.h"
 
 #include <QHash>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <tuple>
 
 namespace Lantern {
@@ -80,6 +82,17 @@ inline int compareIdentifiers(const QString &a, const QString &b)
     return a.compare(b, Qt::CaseInsensitive);
 }
 
+/// Equal for what is the same to users.
+inline quint64 identifierKey(Vela::SubItem identifier)
+{
+    return quint64(quint32(identifier.group)) << 32 | quint32(identifier.image);
+}
+
+inline QString identifierKey(const QString &identifier)
+{
+    return identifier.toCaseFolded();
+}
+
 /// The items of one kind in a file. It knows what a change that is under way has made of them.
 template <class Item>
 class ItemList
@@ -113,11 +126,28 @@ public:
     template <class Identifier>
     int find(unsigned int start, const Identifier &identifier) const
     {
-        for (unsigned int i = start; i < count(); ++i) {
-            if (compareIdentifiers(at(i)->value().identifier, identifier) == 0)
-                return int(i);
+        int first = -1;
+        const auto key = identifierKey(identifier);
+        const Index &index = this->index();
+        for (auto it = index.constFind(key); it != index.constEnd() && it.key() == key; ++it) {
+            const unsigned int place = it.value()->place();
+            if (place >= start && (first < 0 || place < unsigned(first)))
+                first = int(place);
         }
-        return -1;
+        return first;
+    }
+    /// Returns the first item that \a isRight and whose stream has that plain data; null if there
+    /// is none.
+    template <class IsRight>
+    Ref firstEqual(const QByteArray &plain, IsRight isRight) const
+    {
+        const unsigned int crc = Vela::CRC32(plain.constData(), size_t(plain.size()));
+        for (const Ref &item : m_items) {
+            const StreamRef &stream = item->value().stream;
+            if (stream && isRight(*item) && stream->isEqualToData(plain, crc))
+                return item;
+        }
+        return nullptr;
     }
     /// Returns whether another item has the stream of this one.
     bool sharesStream(const Item &item) const
@@ -134,6 +164,7 @@ public:
     void setItems(const QVector<Ref> &items)
     {
         m_items = items;
+        m_index.reset();
         renumber(0);
     }
     /// Inserts at the end what has its place behind it: the neighbour may have been removed.
@@ -141,6 +172,8 @@ public:
     {
         const int place = int(std::min(index, count()));
         m_items.insert(place, item);
+        if (m_index)
+            m_index->insert(identifierKey(item->value().identifier), item.get());
         renumber(place);
     }
     void move(unsigned int from, unsigned int to)
@@ -151,6 +184,7 @@ public:
     Ref take(unsigned int index)
     {
         const Ref item = m_items.takeAt(int(index));
+        m_index.reset();
         renumber(int(index));
         return item;
     }
@@ -161,6 +195,8 @@ public:
         auto &known = m_valuesBefore[&item];
         if (!known.item)
             known = {item.shared_from_this(), item.value(), {}};
+        if (compareIdentifiers(item.value().identifier, value.identifier) != 0)
+            m_index.reset();
         item.m_value = value;
     }
 
@@ -190,10 +226,23 @@ public:
         Lantern::apply(change.items, forward, m_items);
         for (const typename Change::ValueChange &value : change.values)
             value.item->m_value = forward ? value.after : value.before;
+        m_index.reset();
         renumber(0);
     }
 
 private:
+    using Key = decltype(identifierKey(std::declval<typename Item::Value>().identifier));
+    using Index = QMultiHash<Key, Item *>;
+
+    const Index &index() const
+    {
+        if (!m_index) {
+            m_index.emplace();
+            for (const Ref &item : m_items)
+                m_index->insert(identifierKey(item->value().identifier), item.get());
+        }
+        return *m_index;
+    }
     void renumber(int from)
     {
         for (int i = from; i < m_items.size(); ++i)
@@ -201,6 +250,7 @@ private:
     }
 
     QVector<Ref> m_items;
+    mutable std::optional<Index> m_index; // none behind a change that it does not follow
     // While a change is under way. The values are of the items that have another one since, without
     // what stands behind the change.
     QVector<Ref> m_itemsBefore;

@@ -83,8 +83,7 @@ Vela::Palette *PaletteItem::duplicate() const
 {
     const Change change(m_file, Texts::tr("Duplicate palette"));
     PaletteValue copy = value();
-    while (m_file.palettes()->find(0, QVariant::fromValue(copy.identifier)) >= 0)
-        ++copy.identifier.image;
+    copy.identifier = m_file.freePaletteIdentifier(copy.identifier);
     const auto palette = std::make_shared<PaletteItem>(m_file, copy);
     m_file.list<PaletteItem>().insert(index() + 1, palette);
     return palette.get();

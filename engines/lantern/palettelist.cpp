@@ -88,10 +88,8 @@ Vela::Palette *PaletteList::insert(unsigned int index, const Vela::RGBA *table,
                                    const QVariant &identifier, Vela::ShareMode share)
 {
     PaletteValue value;
-    if (!readIdentifier(identifier, value.identifier)) {
-        while (find(0, QVariant::fromValue(value.identifier)) >= 0)
-            ++value.identifier.image;
-    }
+    if (!readIdentifier(identifier, value.identifier))
+        value.identifier = m_file.freePaletteIdentifier({});
     const QByteArray colors(reinterpret_cast<const char *>(table), 256 * sizeof(Vela::RGBA));
     value.stream = m_file.keep(colors, StreamKind::Palette, share);
     if (!value.stream)

@@ -47,6 +47,16 @@ bool hasSpareBits(const Vela::SoundSample &sound)
     return false;
 }
 
+// Returns the sound of a plain form, with the frames where they are; an empty one if it is none.
+Vela::SoundSample viewOf(const QByteArray &plain)
+{
+    Vela::SoundSample sound;
+    if (!readSoundHead(plain, sound) || plain.size() != plainBytes(sound))
+        return {};
+    sound.data = QByteArray::fromRawData(plain.constData() + headBytes, plain.size() - headBytes);
+    return sound;
+}
+
 } // namespace
 
 bool SoundCodec::decode(unsigned int encoding, void *, const QByteArray &raw, QByteArray &data)
@@ -70,7 +80,7 @@ bool SoundCodec::decode(unsigned int encoding, void *, const QByteArray &raw, QB
 
 bool SoundCodec::encode(unsigned int encoding, void *, const QByteArray &data, QByteArray &raw)
 {
-    Vela::SoundSample sound = soundFromPlain(data);
+    Vela::SoundSample sound = viewOf(data);
     if (sound.data.isEmpty())
         return false;
     QBuffer buffer;
@@ -127,10 +137,8 @@ QByteArray plainSound(const Vela::SampleInfo &info, const QByteArray &data)
 
 Vela::SoundSample soundFromPlain(const QByteArray &plain)
 {
-    Vela::SoundSample sound;
-    if (!readSoundHead(plain, sound) || plain.size() != plainBytes(sound))
-        return {};
-    sound.data = plain.mid(headBytes);
+    Vela::SoundSample sound = viewOf(plain);
+    sound.data.detach();
     return sound;
 }
 

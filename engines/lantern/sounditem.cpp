@@ -26,6 +26,26 @@ bool isSame(const SoundValue &a, const SoundValue &b)
     return a.identifier == b.identifier && isSameStream(a.stream, b.stream);
 }
 
+bool takeFrames(SoundValue &value, SoundsFile &file, const Vela::SampleInfo &info,
+                const QByteArray &data, Vela::ShareMode share)
+{
+    if (data.isEmpty()) {
+        value.stream.reset();
+        value.info = {};
+        return true;
+    }
+    SoundValue taken = value;
+    const QByteArray plain = plainSound(info, data);
+    if (!readSoundHead(plain, taken.info))
+        return false;
+    if (!value.stream || value.stream->plain() != plain)
+        taken.stream = file.keep(plain, StreamKind::Sound, share);
+    if (!taken.stream)
+        return false;
+    value = taken;
+    return true;
+}
+
 SoundItem::SoundItem(SoundsFile &file, const SoundValue &value)
     : ListItem(value)
     , m_file(file)
@@ -127,18 +147,8 @@ bool SoundItem::setSample(const Vela::SampleInfo &info, const QByteArray &data,
                           Vela::ShareMode share)
 {
     SoundValue changed = value();
-    if (data.isEmpty()) {
-        changed.stream.reset();
-        changed.info = {};
-    } else {
-        const QByteArray plain = plainSound(info, data);
-        if (!readSoundHead(plain, changed.info))
-            return false;
-        if (isEmpty() || value().stream->plain() != plain)
-            changed.stream = m_file.keep(plain, StreamKind::Sound, share);
-        if (!changed.stream)
-            return false;
-    }
+    if (!takeFrames(changed, m_file, info, data, share))
+        return false;
     m_file.changeValue(*this, changed, Texts::tr("Sound's frames"));
     return true;
 }

@@ -19,6 +19,10 @@ struct SoundValue
 
 /// Returns whether users see no difference.
 bool isSame(const SoundValue &a, const SoundValue &b);
+/// Gives \a value frames that \a file keeps; no data make it empty. Returns false, with the value
+/// as it was, if they cannot be taken. The user may be asked.
+bool takeFrames(SoundValue &value, SoundsFile &file, const Vela::SampleInfo &info,
+                const QByteArray &data, Vela::ShareMode share);
 
 /// A sound of a sounds file. Its identifier is the name that texts have for it.
 class SoundItem : public Vela::Sound, public ListItem<SoundItem, SoundValue>

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "lantern/soundsfile.h"
 
+#include "lantern/soundcodec.h"
 #include "lantern/soundnames.h"
 #include "lantern/soundtable.h"
-
-#include "frame/checksum.h"
 
 #include <QCoreApplication>
 
@@ -22,17 +21,18 @@ QString soundsProperty()
     return QStringLiteral("Sounds");
 }
 
-// Returns the first stream of plain data that is right; null if there is none.
+// Returns the first stream of plain data that is right; null if there is none. No sound of another
+// length is decoded for it.
 template <class IsRight>
 StreamRef firstEqual(const ItemList<SoundItem> &list, const QByteArray &plain, IsRight isRight)
 {
-    const unsigned int crc = Vela::CRC32(plain.constData(), size_t(plain.size()));
-    for (const SoundRef &sound : list.items()) {
-        const StreamRef &stream = sound->value().stream;
-        if (stream && isRight(*stream) && stream->isEqualToData(plain, crc))
-            return stream;
-    }
-    return nullptr;
+    Vela::SampleInfo info;
+    if (!readSoundHead(plain, info))
+        return nullptr;
+    const SoundRef equal = list.firstEqual(plain, [&info, isRight](const SoundItem &sound) {
+        return isSame(sound.value().info, info) && isRight(*sound.value().stream);
+    });
+    return equal ? equal->value().stream : nullptr;
 }
 
 } // namespace
@@ -70,11 +70,11 @@ Vela::Sound *SoundsFile::insert(unsigned int index, const QVariant &identifier,
                                 const Vela::SoundSample &sample, Vela::ShareMode share)
 {
     const QString name = identifier.toString();
-    const Change change(*this, Texts::tr("Add sound"));
-    const auto sound = std::make_shared<SoundItem>(
-        *this, SoundValue{isSoundName(name) ? name : freeName(QString()), nullptr, {}});
-    if (!sound->setSample(sample, sample.data, share))
+    SoundValue value{isSoundName(name) ? name : freeName(QString()), nullptr, {}};
+    if (!takeFrames(value, *this, sample, sample.data, share))
         return nullptr;
+    const Change change(*this, Texts::tr("Add sound"));
+    const auto sound = std::make_shared<SoundItem>(*this, value);
     list<SoundItem>().insert(index, sound);
     return sound.get();
 }

@@ -75,14 +75,8 @@ void colorsOf(const QImage &image, Vela::RGBA (&colors)[colorCount])
 
 PaletteRef equalPalette(const SpritesFile &file, const Vela::RGBA (&colors)[colorCount])
 {
-    const QVector<PaletteRef> &palettes = file.list<PaletteItem>().items();
-    const auto found =
-        std::find_if(palettes.begin(), palettes.end(), [&colors](const PaletteRef &palette) {
-            Vela::RGBA own[colorCount];
-            return palette->colorTable(own)
-                && std::equal(std::begin(own), std::end(own), std::begin(colors));
-        });
-    return found == palettes.end() ? nullptr : *found;
+    const QByteArray plain(reinterpret_cast<const char *>(colors), sizeof colors);
+    return file.list<PaletteItem>().firstEqual(plain, [](const PaletteItem &) { return true; });
 }
 
 QImage channelOf(const QImage &image, QRgb mask)

@@ -113,9 +113,9 @@ void SpritesFile::removePalette(unsigned int index, const PaletteRef &substitute
 {
     const PaletteRef palette = list<PaletteItem>().take(index);
     for (const SpriteRef &sprite : list<SpriteItem>().items()) {
-        SpriteValue value = sprite->value();
-        if (value.palette != palette)
+        if (sprite->value().palette != palette)
             continue;
+        SpriteValue value = sprite->value();
         value.palette = substitute;
         list<SpriteItem>().setValue(*sprite, value);
     }
@@ -140,6 +140,13 @@ Vela::SubItem SpritesFile::freeIdentifier(Vela::SubItem ofGroup) const
             free.image = used.image + 1;
     }
     return free;
+}
+
+Vela::SubItem SpritesFile::freePaletteIdentifier(Vela::SubItem wanted) const
+{
+    while (list<PaletteItem>().find(0, wanted) >= 0)
+        wanted.image = wanted.image == std::numeric_limits<qint32>::max() ? 0 : wanted.image + 1;
+    return wanted;
 }
 
 void SpritesFile::takeRows(const SpriteTable &table, const QVector<StreamRef> &streams)

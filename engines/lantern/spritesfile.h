@@ -56,6 +56,8 @@ public:
     PaletteRef paletteRef(const Vela::Palette *palette) const;
     /// Returns the identifier of that group behind all others.
     Vela::SubItem freeIdentifier(Vela::SubItem ofGroup) const;
+    /// Returns the identifier, or the next one of its group that no palette has.
+    Vela::SubItem freePaletteIdentifier(Vela::SubItem wanted) const;
 
 Q_SIGNALS:
     /// The sprites have other names than before.
