@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <optional>
 
 namespace Lantern {
 
@@ -127,8 +126,14 @@ bool CollectionFile<Kind>::fromFile(Vela::Archive &archive, const QString &name,
     const bool hasContent = m_undoStack.count() > 0 || !m_lists.isEmpty();
     const bool isFirst = !hasContent && !(flags & Base::Copy);
     const QScopedValueRollback<bool> isOpening(m_isOpening, isFirst);
+    if (flags & Base::Copy)
+        this->ensureLoaded();
+    const QByteArray tables = m_tables;
     if (!ContentFile<Base>::fromFile(archive, name, flags, stats))
         return false;
+    if (flags & Base::Copy)
+        m_tables = tables;
+    tell();
     if (isFirst) {
         namesHaveChanged();
         Q_EMIT this->changed(true);
@@ -156,7 +161,7 @@ void CollectionFile<Kind>::load()
 }
 
 // The state in front of it comes back with undo, out of the store that it has been in, unless this
-// is the first one.
+// is the first one. Neither state is to suffer from what becomes of the files later.
 template <class Kind>
 bool CollectionFile<Kind>::read(Vela::Archive &archive, const QString &name, QString &error)
 {
@@ -182,11 +187,15 @@ bool CollectionFile<Kind>::read(Vela::Archive &archive, const QString &name, QSt
     m_messages->clear();
     m_tables = table.original;
     this->setLoaded();
-    std::optional<Change<CollectionFile>> step;
-    if (!m_isOpening)
-        step.emplace(*this, Texts::tr("Reading the file"));
+    if (!m_isOpening) {
+        m_store->finishLoads();
+        store->finishLoads();
+        beginChange(Texts::tr("Reading the file"));
+    }
     m_store = store;
     takeRows(table, streams);
+    if (!m_isOpening)
+        finishStep();
     return true;
 }
 
@@ -203,9 +212,9 @@ bool CollectionFile<Kind>::originalBytes(QByteArray &data) const
 template <class Kind>
 bool CollectionFile<Kind>::encode(QByteArray &data, QString &error) const
 {
+    m_store->finishLoads();
     if (originalBytes(data))
         return true;
-    m_store->finishLoads();
     Table table;
     table.isPreferred = true;
     StreamWriter<Table> writer(table);
@@ -263,8 +272,14 @@ void CollectionFile<Kind>::travel(void (QUndoStack::*direction)())
     this->ensureLoaded();
     if (m_changeDepth == 0) // a change that is under way is no step yet
         (m_undoStack.*direction)();
-    if (const std::unique_ptr<Changes> applied = std::move(m_applied))
-        notify(*applied);
+    tell();
+}
+
+template <class Kind>
+void CollectionFile<Kind>::tell()
+{
+    if (const std::unique_ptr<Changes> step = std::move(m_untold))
+        notify(*step);
 }
 
 template <class Kind>
@@ -293,6 +308,13 @@ void CollectionFile<Kind>::beginChange(const QString &text)
 template <class Kind>
 void CollectionFile<Kind>::endChange()
 {
+    finishStep();
+    tell();
+}
+
+template <class Kind>
+void CollectionFile<Kind>::finishStep()
+{
     if (m_changeDepth == 0 || --m_changeDepth > 0)
         return;
     const Step step{std::move(m_storeBefore), m_store, m_lists.changeSinceBegin()};
@@ -301,7 +323,7 @@ void CollectionFile<Kind>::endChange()
         return;
     m_undoStack.push(
         new ChangeCommand(m_changeText, [this, step](bool forward) { apply(step, forward); }));
-    notify(step.change);
+    m_untold = std::make_unique<Changes>(step.change);
 }
 
 template <class Kind>
@@ -309,7 +331,7 @@ void CollectionFile<Kind>::apply(const Step &step, bool forward)
 {
     m_store = forward ? step.storeAfter : step.storeBefore;
     m_lists.apply(step.change, forward);
-    m_applied = std::make_unique<Changes>(step.change);
+    m_untold = std::make_unique<Changes>(step.change);
 }
 
 template <class Kind>
@@ -403,10 +425,15 @@ void CollectionFile<Kind>::dropContent()
     this->clear();
 }
 
+// What stands in the file in the middle of a change is the content of no step.
 template <class Kind>
 void CollectionFile<Kind>::markSaved()
 {
-    m_undoStack.setClean();
+    if (m_changeDepth == 0)
+        m_undoStack.setClean();
+    else
+        m_undoStack.resetClean();
+    tell();
 }
 
 template <class Kind>

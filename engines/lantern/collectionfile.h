@@ -157,6 +157,8 @@ private:
     static std::shared_ptr<StreamStore> newStore(const QString &fileName, bool isPreferred);
     void apply(const Step &step, bool forward);
     void travel(void (QUndoStack::*direction)());
+    void finishStep();
+    void tell();
     bool originalBytes(QByteArray &data) const;
 
     std::shared_ptr<StreamStore> m_store;
@@ -166,8 +168,8 @@ private:
     std::shared_ptr<StreamStore> m_storeBefore;
     QString m_changeText;
     int m_changeDepth = 0;
-    std::unique_ptr<Changes> m_applied; // by undo or redo, of which nobody has heard yet
-    bool m_isOpening = false;           // while the first content comes
+    std::unique_ptr<Changes> m_untold; // a step that nobody has heard of yet
+    bool m_isOpening = false;          // while the first content comes
     unsigned int m_selected = 0;
     std::unique_ptr<Vela::SimpleMessages> m_messages;
     QUndoStack m_undoStack; // its steps go in front of what they refer to

@@ -11,7 +11,9 @@ constexpr int longestName = 100;
 
 bool isRefused(QChar c)
 {
-    return c.category() == QChar::Other_Control || QStringLiteral("/\\:*?\"<>|").contains(c);
+    // Readers of UTF-8 drop a byte order mark at the beginning.
+    return c.category() == QChar::Other_Control || c == QChar::ByteOrderMark
+        || QStringLiteral("/\\:*?\"<>|").contains(c);
 }
 
 bool isBlankOrDot(QChar c)

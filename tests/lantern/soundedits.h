@@ -115,6 +115,7 @@ public:
             const Expected &expected = m_now.at(i);
             QCOMPARE(sound.index(), unsigned(i));
             QCOMPARE(text(sound, identifier), expected.name);
+            QCOMPARE(m_file.find(0, expected.name.toUpper()), firstOf(expected.name));
             QCOMPARE(text(sound, encoding), expected.data.encoding);
             QCOMPARE(sound.info().samples, expected.data.sample.samples);
             int sharers = 0;
@@ -175,13 +176,18 @@ private:
         m_now = m_history.at(step);
     }
 
-    QString freeName(const QString &base) const
+    int firstOf(const QString &name) const
     {
-        QString name = base;
         const auto isIt = [&name](const Expected &sound) {
             return sound.name.toLower() == name.toLower();
         };
-        for (int i = 2; std::any_of(m_now.begin(), m_now.end(), isIt); ++i)
+        return int(std::find_if(m_now.begin(), m_now.end(), isIt) - m_now.begin());
+    }
+
+    QString freeName(const QString &base) const
+    {
+        QString name = base;
+        for (int i = 2; firstOf(name) < m_now.size(); ++i)
             name = base + QLatin1Char('-') + QString::number(i);
         return name;
     }

@@ -12,9 +12,14 @@
 #include "project/project.h"
 #include "support/recordinghost.h"
 
+#include <QApplication>
 #include <QFile>
+#include <QMessageBox>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QtEndian>
+
+#include <utility>
 
 using Vela::FileSystemArchive;
 using Vela::Message;
@@ -37,6 +42,17 @@ SoundSample noise(quint32 frames, quint32 seed)
 void mendTables(QByteArray &file, int end)
 {
     qToLittleEndian(Vela::CRC32(file.constData(), size_t(end)), file.data() + end);
+}
+
+// A file of one sound by a program that knows no FLAC, which Vela would write in another way.
+QByteArray foreignFile()
+{
+    Held file(new SoundsFile);
+    file->add(s("a"), tone(2, 16, 9000), ShareMode::Share)->setProperty(encoding, raw);
+    QByteArray bytes = bytesOf(*file);
+    bytes[6] = 0;
+    mendTables(bytes, 20 + 30 + 6 + 1);
+    return bytes;
 }
 
 // All that users hear of a file.
@@ -65,6 +81,8 @@ private Q_SLOTS:
     void equalContentMakesEqualBytes();
     void foreignFilesGetTheUsualEncoding();
     void randomEditsCanBeTakenBack();
+    void onlyWhatTheFileHoldsIsUnmodified();
+    void usersAreAskedOutsideOfChanges();
     void namesAreTextsWithoutCase();
     void brokenFilesStayAsTheyAre();
     void largeFilesAreReadInTheBackground();
@@ -191,12 +209,69 @@ void tst_Sounds::randomEditsCanBeTakenBack()
     }
 }
 
+void tst_Sounds::onlyWhatTheFileHoldsIsUnmodified()
+{
+    MemoryArchive archive({{s("/f"), foreignFile()}});
+    Held other(new SoundsFile);
+    QVERIFY(other->toFile(archive, s("/g"), 0, nullptr));
+    // The bytes are the file's as they are, also behind another content that was taken back.
+    Held file(new SoundsFile);
+    QVERIFY(file->fromFile(archive, s("/f"), 0, nullptr));
+    QVERIFY(file->fromFile(archive, s("/g"), ProjectFile::Copy, nullptr) && file->isEmpty());
+    file->undo();
+    QCOMPARE(bytesOf(*file), foreignFile());
+    // Who hears that the file was read again finds it unmodified, and may change it.
+    file->remove(0);
+    bool isModified = true;
+    const auto onModified = connect(file.get(), &SoundsFile::modified, file.get(), [&] {
+        if (!std::exchange(isModified, file->isModified()))
+            return;
+        file->at(0)->setProperty(identifier, s("b"));
+    });
+    QVERIFY(file->fromFile(archive, s("/f"), 0, nullptr));
+    disconnect(onModified);
+    QVERIFY(file->isModified());
+    file->undo();
+    QVERIFY(!file->isModified());
+    // What is saved in the middle of a change is the content of no step.
+    file->beginChange();
+    file->remove(0);
+    QVERIFY(file->toFile(archive, s("/f"), 0, nullptr));
+    file->endChange();
+    file->undo();
+    QVERIFY(file->count() == 1 && file->isModified());
+}
+
+void tst_Sounds::usersAreAskedOutsideOfChanges()
+{
+    RecordingHost host;
+    MemoryArchive archive({{s("/f"), foreignFile()}});
+    Held file(new SoundsFile);
+    QVERIFY(file->fromFile(archive, s("/f"), 0, nullptr));
+    const SoundSample sample = file->at(0)->sample();
+    for (const bool shares : {true, false}) {
+        host.options[s("showmsg_share_data")] = 0;
+        QTimer::singleShot(0, file.get(), [&] {
+            auto *const box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            QVERIFY(box && file->fromFile(archive, s("/f"), 0, nullptr) && !file->isModified());
+            box->button(shares ? QMessageBox::Yes : QMessageBox::No)->click();
+        });
+        Sound *const added = file->add(s("b"), sample, ShareMode::AskToShare);
+        QVERIFY(added && file->count() == 2 && file->isModified());
+        QCOMPARE(text(*added, encoding), shares ? raw : flac);
+        file->undo();
+        QVERIFY(file->count() == 1 && !file->isModified());
+    }
+}
+
 void tst_Sounds::namesAreTextsWithoutCase()
 {
     Held file(new SoundsFile);
-    for (const char *name : {"Zoë", "bang", "Bang", "a", "c:d"})
+    for (const char *name : {"Zoë", "bang", "Bang", "a", "c:d", "\uFEFFa"})
         file->add(QString::fromUtf8(name), SoundSample(), ShareMode::Share);
     QCOMPARE(text(*file->at(4), identifier), s("sound"));
+    QCOMPARE(contentOf(*fileOf<SoundsFile>(bytesOf(*file))), contentOf(*file));
+    file->remove(5);
     QCOMPARE(file->find(0, s("zOË")), 0);
     QCOMPARE(file->find(2, s("BANG")), 2);
     QCOMPARE(file->find(3, s("BANG")), -1);
@@ -276,8 +351,23 @@ void tst_Sounds::largeFilesAreReadInTheBackground()
     large->undo();
     QCOMPARE(contentOf(*large), content);
 
+    // What undo brings back, and what was saved elsewhere, needs the file no more.
+    const QString second = folder.filePath(s("other.sounds"));
+    QVERIFY(large->toFile(disk, name, 0, nullptr) && other->toFile(disk, second, 0, nullptr));
+    for (const unsigned int flags : {0u, unsigned(ProjectFile::Copy)}) {
+        Held late(new SoundsFile);
+        const BusyThreads threads;
+        QVERIFY(late->fromFile(disk, name, 0, nullptr));
+        QVERIFY(!flags || late->fromFile(disk, second, flags, nullptr));
+        QVERIFY(late->toFile(disk, flags ? name : second, 0, nullptr));
+        QVERIFY(QFile::remove(name));
+        late->undo();
+        QCOMPARE(contentOf(*late), content);
+        QVERIFY(large->toFile(disk, name, 0, nullptr));
+        QVERIFY(other->toFile(disk, second, 0, nullptr));
+    }
+
     // Another program's file in its place, of the same layout, is no sound of this one.
-    QVERIFY(large->toFile(disk, name, 0, nullptr));
     Held replaced(new SoundsFile);
     {
         const BusyThreads threads;

@@ -16,6 +16,7 @@
 #include <QtEndian>
 
 #include <functional>
+#include <limits>
 #include <memory>
 
 using Lantern::SpritesFile;
@@ -478,6 +479,11 @@ void tst_Sprites::identifiers()
     QCOMPARE(file->find(0, QStringLiteral("3")), -1);
     QVERIFY(file->compare(1, 0) < 0);
     QVERIFY(file->compare(2, 0) > 0);
+    RGBA table[256] = {};
+    Vela::Palette *const last =
+        file->palettes()->add(table, id(3, std::numeric_limits<int>::max()), ShareMode::Share);
+    QCOMPARE(last->duplicate()->property(QStringLiteral("Identifier")),
+             QVariant(QStringLiteral("3,0")));
     // The next number of the last group.
     QCOMPARE(file->add(QStringLiteral("walk"), QImage(), ShareMode::Share)->identifier(),
              (SubItem{5, 7}));
