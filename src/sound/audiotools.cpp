@@ -125,7 +125,7 @@ void MoveTool::mouseMove(const Pointer &pointer, QCursor &cursor)
         return;
     }
     const double offset =
-        startSample - std::round((pointer.position.x() - m_startX) * waveform->step());
+        std::round(startSample - (pointer.position.x() - m_startX) * waveform->step());
     waveform->setOffset(static_cast<unsigned int>(
         qBound(0.0, offset, double(std::numeric_limits<unsigned int>::max()))));
 }

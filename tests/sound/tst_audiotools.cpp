@@ -83,8 +83,8 @@ private Q_SLOTS:
         view.move(tool, 27);
         QCOMPARE(view.waveform.offset(), 6U); // 4 + 1.5
         QCOMPARE(view.cursor.shape(), Qt::ClosedHandCursor);
-        view.move(tool, 34);
-        QCOMPARE(view.waveform.offset(), 2U);
+        view.move(tool, 33);
+        QCOMPARE(view.waveform.offset(), 3U); // 4 - 1.5
         view.move(tool, 90);
         QCOMPARE(view.waveform.offset(), 0U);
         view.release(tool, 90);

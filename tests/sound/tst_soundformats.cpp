@@ -160,6 +160,8 @@ private Q_SLOTS:
     void othersReadOurLosslessFiles();
     void othersReadOurVorbis_data();
     void othersReadOurVorbis();
+    void filesAreAsSmallAsThoseOfOthers();
+    void streamsInARow();
     void losslessFilesKeepAllPrecisions_data();
     void losslessFilesKeepAllPrecisions();
     void vorbisScalesEachPrecision();
@@ -198,7 +200,7 @@ void TestSoundFormats::losslessFilesOfOthers_data()
     add("ffmpeg", ffmpeg + "-metadata comment=data -write_bext 1 -c:a pcm_RAW -f wav -", "WAV",
         {8, 16, 24, 32});
     add("sox", sox + " --comment data -t wav -", "WAV", {8, 16, 24, 32});
-    add("ffmpeg", ffmpeg + "-f flac -", "FLAC", {16});
+    add("ffmpeg", ffmpeg + "-f flac -", "FLAC", {16, 24});
     add("sox", sox + " -t flac -", "FLAC", {8, 16, 24});
     add("flac", flac + " --lax -5 -", "FLAC", {8, 16, 24, 32});
 }
@@ -239,6 +241,10 @@ void TestSoundFormats::lossyFilesOfOthers_data()
     add("oggenc to oggdec", oggenc, oggdec, "OGG", {22050, 96000});
     add("ffmpeg to oggdec", ffmpegInput + "-c:a libvorbis -f ogg -", oggdec, "OGG", {8000, 48000});
     add("sox to oggdec", QByteArray("sox -V1 -D ") + soxRaw + " -t ogg -", oggdec, "OGG", {44100});
+    // With tags in front of and behind the frames, which lame leaves out.
+    add("ffmpeg to ffmpeg", ffmpegInput + "-metadata title=data -write_id3v1 1 -f mp3 -", ffmpeg,
+        "MP3", {32000, 44100});
+    add("sox to ffmpeg", QByteArray("sox -V1 -D ") + soxRaw + " -t mp3 -", ffmpeg, "MP3", {48000});
     const QByteArray lame = "lame --quiet -r -s RATE --resample RATE --signed --bitwidth 16";
     const QByteArray mono = lame + " -m m";
     for (const char *const mode : {"-b 64", "-V 2"}) {
@@ -344,6 +350,39 @@ void TestSoundFormats::othersReadOurVorbis()
         noise += std::pow(value - qFromLittleEndian<qint16>(read.constData() + i), 2);
     }
     QVERIFY2(signal > 100 * noise, qPrintable(QString::number(signal / noise)));
+}
+
+// The quality of Ogg Vorbis is 0.4, and FLAC is compressed as well as it can be.
+void TestSoundFormats::filesAreAsSmallAsThoseOfOthers()
+{
+    const SoundSample sound = SampleSound::tones(2, 44100, 400001);
+    for (const QString &words :
+         {QStringLiteral("oggenc -Q -r -B 16 -C 2 -R 44100 -q 4 -o - -"),
+          QStringLiteral("flac -s -c -8 --no-padding --channels=2 --bps=16 --sample-rate=44100 "
+                         "--force-raw-format --endian=little --sign=signed -")}) {
+        const OtherProgram program(words);
+        SKIP_IF_MISSING(program);
+        const int theirs = program.run(sound.data).size();
+        const int ours =
+            saved(sound, words.startsWith(QLatin1String("ogg")) ? "OGG" : "FLAC").size();
+        QVERIFY2(qAbs(ours - theirs) < theirs / 50,
+                 qPrintable(QStringLiteral("%1 against %2").arg(ours).arg(theirs)));
+    }
+}
+
+// A file of Ogg Vorbis may have one stream behind the other. Another number of channels ends it.
+void TestSoundFormats::streamsInARow()
+{
+    // Noise takes several pages: libvorbisfile passes over streams of one.
+    const SoundSample stereo = SampleSound::noise({2, 16, 22050, 20000});
+    const SoundSample mono = SampleSound::noise({1, 16, 22050, 20000});
+    QBuffer buffer;
+    for (const SoundSample &sound : {stereo, stereo, mono})
+        QVERIFY(soundToOGG(sound, &buffer, int(buffer.size())));
+    const SoundSample sound = loaded(buffer.data(), "OGG");
+    QVERIFY(isWhole(sound));
+    QCOMPARE(int(sound.channels), 2);
+    QCOMPARE(sound.samples, 40000U);
 }
 
 void TestSoundFormats::losslessFilesKeepAllPrecisions_data()

@@ -128,6 +128,8 @@ private Q_SLOTS:
             player.resume(voice);
             QTRY_VERIFY(!player.isPlaying(0));
             QVERIFY(timer.elapsed() > 50);
+            player.resume(voice); // it has ended
+            QVERIFY(!player.isPlaying(0));
         }
     }
 
@@ -158,6 +160,11 @@ private Q_SLOTS:
         player.startMusic();
         QTRY_VERIFY(!player.isMusicPlaying()); // at its end
         player.startMusic();
+        QVERIFY(!player.openMusic(folder.filePath(QStringLiteral("none.wav"))));
+        player.startMusic();
+        QVERIFY(!player.isMusicPlaying());
+        QVERIFY(player.openMusic(name));
+        player.startMusic(); // and it ends with the player
     }
 };
 

@@ -30,6 +30,14 @@ QByteArray formatChunk(int code, SampleInfo info)
                      + number(info.precision, 2));
 }
 
+// The form of a format that names its code behind all else; \a rest of the name is 14 bytes.
+QByteArray extensibleChunk(int code, SampleInfo info, const QByteArray &rest)
+{
+    return chunk("fmt ",
+                 formatChunk(0xFFFE, info).mid(8) + number(22, 2) + number(info.precision, 2)
+                     + number(3, 4) + number(quint32(code), 2) + rest);
+}
+
 QByteArray wave(const QByteArray &chunks)
 {
     return chunk("RIFF", "WAVE" + chunks);
@@ -47,6 +55,7 @@ private Q_SLOTS:
     void isRead();
     void falseSizes_data();
     void falseSizes();
+    void framesEndWithTheFile();
     void moreThanAByteArrayHolds();
 };
 
@@ -74,9 +83,16 @@ void TestWav::isRead_data()
     QTest::addRow("other id") << "RIFX" + wave(format + data).mid(4) << 3;
     QTest::addRow("other form") << wave(format + data).replace("WAVE", "WAVX") << -1;
     QTest::addRow("float") << wave(formatChunk(3, info) + data) << -1;
+    const QByteArray ofRiff = QByteArray::fromHex("000000001000800000aa00389b71");
+    QTest::addRow("extensible") << wave(extensibleChunk(1, info, ofRiff) + data) << 3;
+    QTest::addRow("extensible float") << wave(extensibleChunk(3, info, ofRiff) + data) << -1;
+    QTest::addRow("extensible, not of RIFF")
+        << wave(extensibleChunk(1, info, QByteArray(14, '\0')) + data) << -1;
     QTest::addRow("no format") << wave(data) << -1;
     QTest::addRow("other chunks") << wave(format + chunk("LIST", "the data's comment") + data) << 3;
-    QTest::addRow("odd chunk") << wave(format + chunk("LIST", "odd") + '\0' + data) << 3;
+    QTest::addRow("odd chunk") << wave(format + chunk("LIST", "odd") + '\0'
+                                       + chunk("LIST", "the data's comment") + data)
+                               << 3;
     QTest::addRow("odd chunk, not filled up") << wave(format + chunk("LIST", "odd") + data) << 3;
     QTest::addRow("format behind") << wave(chunk("bext", "abcd") + format + data) << 3;
     QTest::addRow("frames far behind") << wave(junk + format + junk + data) << 3;
@@ -127,6 +143,7 @@ void TestWav::falseSizes_data()
     QTest::addRow("fewer") << 4U << 4;
     QTest::addRow("cut off") << 20000U << 20000;
     QTest::addRow("piped") << 0xFFFFFFFFU << 8;
+    QTest::addRow("piped, less a header") << 0xFFFFFFD3U << 8;
     QTest::addRow("piped, signed") << 0x7FFFF000U << 8;
     QTest::addRow("out of proportion") << 0x40000000U << 8;
 }
@@ -144,6 +161,13 @@ void TestWav::falseSizes()
         QBuffer buffer(&file);
         QCOMPARE(soundInfoFromWAV(&buffer).samples, sound.samples);
     }
+}
+
+// What follows behind the size that the file has of itself is not part of it.
+void TestWav::framesEndWithTheFile()
+{
+    const QByteArray head = wave(formatChunk(1, {2, 16, 8000, 0}) + "data" + number(8, 4) + "0123");
+    QCOMPARE(loaded(head + "4567", "WAV").data, QByteArray("0123\0\0\0\0", 8));
 }
 
 void TestWav::moreThanAByteArrayHolds()
