@@ -206,6 +206,8 @@ public:
 
 } // namespace
 
+Q_DECLARE_METATYPE(std::function<void(View &)>)
+
 class TestCodeEditor : public QObject
 {
     Q_OBJECT
@@ -749,8 +751,6 @@ void TestCodeEditor::areaStandsOnTheRight()
     view.click(View::Marks, 0);
     QCOMPARE(asked.count(), 1);
 }
-
-Q_DECLARE_METATYPE(std::function<void(View &)>)
 
 QTEST_MAIN(TestCodeEditor)
 #include "tst_codeeditor.moc"
