@@ -148,7 +148,7 @@ const QVector<ColorInfo> &Colors::table()
         {"sound_wave", QT_TRANSLATE_NOOP("Studio::Colors", "Waves of sounds"), ColorInfo::Mark,
          0xff1b62b5, 0xff7db4ff},
         {"sound_axis", QT_TRANSLATE_NOOP("Studio::Colors", "Silence in sounds"), ColorInfo::Mark,
-         0xff8a929c, 0xff767c85},
+         0xff78808b, 0xff8f969f},
         {"sound_selection", QT_TRANSLATE_NOOP("Studio::Colors", "Selected part of a sound"),
          ColorInfo::Mark, 0xffcfe2fa, 0xff2c4a70},
         {"sound_head", QT_TRANSLATE_NOOP("Studio::Colors", "What is heard of a sound"),

@@ -20,7 +20,8 @@ using SoundBuffer = sf::SoundBuffer;
 
 /// Plays sounds: a fixed number of voices for short ones, and one stream for music. Volumes are
 /// from 0 to 100. A voice's index counts from 0; as an argument a negative one means all voices,
-/// and one past the last does nothing. Main thread only; the music is read on a thread of its own.
+/// and one past the last does nothing. Main thread only, but for createBuffer(); the music is read
+/// on a thread of its own.
 class VELA_EXPORT SoundPlayer
 {
 public:

@@ -6,7 +6,9 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QThreadPool>
 #include <QTimer>
+#include <atomic>
 #include <memory>
 
 namespace Studio {
@@ -21,8 +23,9 @@ public:
     explicit SoundPlayback(QObject *parent = nullptr);
     ~SoundPlayback() override;
 
-    /// Plays a sound from its beginning, in place of the one before.
-    void play(const Vela::SoundSample &sample, bool loop);
+    /// Plays the frames of a sound from \a from to in front of \a to, of which there is one at
+    /// least, in place of what played before.
+    void play(const Vela::SoundSample &sample, unsigned int from, unsigned int to, bool loop);
     void stop();
     /// Returns whether a sound plays or is made ready for that.
     bool isPlaying() const;
@@ -38,16 +41,19 @@ Q_SIGNALS:
     void failed();
 
 private:
-    using Buffer = std::shared_ptr<Vela::SoundBuffer>;
+    /// What the other thread makes; null until then, or if it cannot be made.
+    using Buffer = std::shared_ptr<std::atomic<Vela::SoundBuffer *>>;
 
     void start(const Buffer &buffer);
     void follow();
 
+    QThreadPool m_pool; ///< of one thread, as a long sound takes much memory
     std::unique_ptr<Vela::SoundPlayer> m_player;
     Buffer m_buffer; ///< what plays; it goes in front of the player
     int m_turn = 0;  ///< counts what was to be played, and what was stopped
     bool m_isPlaying = false;
     Vela::SampleInfo m_info; ///< of what plays
+    unsigned int m_from = 0; ///< its first frame in the sound
     bool m_loop = false;
     int m_volume = 100;
     QTimer m_following;

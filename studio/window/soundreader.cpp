@@ -113,6 +113,9 @@ void SoundReader::cancel()
     if (m_source)
         m_source->cancel();
     m_source.reset();
+    const auto watchers = findChildren<QFutureWatcherBase *>();
+    for (QFutureWatcherBase *watcher : watchers)
+        watcher->cancel(); // what was not begun is not decoded any more
 }
 
 } // namespace Studio

@@ -55,9 +55,10 @@ void drawTimeRuler(QPainter &painter, const QRect &area, double start, double st
         const int x = area.left() + int(std::lround((mark * part - start) / step));
         const bool isLarge = std::fmod(mark, Parts) == 0;
         painter.drawLine(x, isLarge ? area.top() : area.bottom() - 3, x, area.bottom());
-        if (isLarge)
-            painter.drawText(QRect(x + Padding, area.top(), area.width(), area.height()),
-                             Qt::AlignLeft | Qt::AlignVCenter, timeWords(mark * part, digits));
+        const QString words = isLarge ? timeWords(mark * part, digits) : QString();
+        const QRect place(x + Padding, area.top(), metrics.horizontalAdvance(words), area.height());
+        if (area.contains(place)) // words that are cut off may read as another time
+            painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, words);
     }
 }
 

@@ -44,7 +44,7 @@ SoundsView::SoundsView(Settings &settings, const Colors &colors, QWidget *parent
     connect(&m_reader, &SoundReader::finished, this, &SoundsView::showSample);
     connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &SoundsView::onCurrentChanged);
-    connect(m_list, &QTreeView::activated, this, &SoundsView::playOrStop);
+    connect(m_list, &QTreeView::doubleClicked, this, &SoundsView::playOrStop);
     connect(m_model, &QAbstractItemModel::modelReset, this, &SoundsView::onReset);
     connect(m_model, &QAbstractItemModel::dataChanged, this, &SoundsView::wantSample);
 }
@@ -59,6 +59,7 @@ void SoundsView::makeList()
     m_list->setAllColumnsShowFocus(true);
     m_list->setAlternatingRowColors(true);
     m_list->header()->setStretchLastSection(false);
+    m_list->header()->setMinimumSectionSize(m_list->fontMetrics().averageCharWidth() * 12);
     m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_list->header()->setSectionResizeMode(SoundsModel::Identifier, QHeaderView::Stretch);
     m_list->installEventFilter(this);
@@ -90,21 +91,27 @@ SoundView *SoundsView::sound() const
     return m_sound;
 }
 
-// The key that plays would choose a row, or search for one with a blank in its name.
+// Space would choose a row, or search for one with a blank in its name, and Enter that is held down
+// play again and again.
 bool SoundsView::eventFilter(QObject *watched, QEvent *event)
 {
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
     const auto *const key = static_cast<QKeyEvent *>(event);
-    if (event->type() != QEvent::KeyPress || key->key() != Qt::Key_Space)
+    const bool isEnter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    if (key->key() != Qt::Key_Space && !isEnter)
         return QWidget::eventFilter(watched, event);
     if (!key->isAutoRepeat())
         playOrStop();
     return true;
 }
 
+/// What is not decoded yet plays as soon as it is.
 void SoundsView::playOrStop()
 {
     if (m_reading.isActive())
         readSample();
+    m_playsLater = !m_sound->hasSound() && !m_playsLater;
     m_sound->playOrStop();
 }
 
@@ -131,6 +138,7 @@ void SoundsView::wantSample()
     if (currentSound() != m_shown || !m_shown)
         m_sound->showWords(currentSound() ? QStringLiteral("\u2026") : QString());
     m_shown = currentSound();
+    m_playsLater = false;
     m_reader.cancel();
     m_reading.start(0);
     Q_EMIT currentChanged();
@@ -158,6 +166,8 @@ void SoundsView::showSample(const Vela::SoundSample &sample)
         m_sound->showWords(tr("The sound cannot be decoded."));
     else
         m_sound->setSample(sample);
+    if (m_playsLater)
+        playOrStop();
 }
 
 } // namespace Studio

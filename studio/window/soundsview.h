@@ -58,6 +58,7 @@ private:
     QTreeView *m_list;
     SoundView *m_sound;
     const Vela::Sound *m_shown = nullptr; ///< to be compared only
+    bool m_playsLater = false;            ///< as soon as it is decoded
     QTimer m_reading;
     SoundReader m_reader;
 };

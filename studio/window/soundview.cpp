@@ -11,6 +11,8 @@
 
 #include <QHBoxLayout>
 #include <QHideEvent>
+#include <QPainter>
+#include <QStyle>
 #include <QToolButton>
 
 namespace Studio {
@@ -19,7 +21,7 @@ namespace {
 
 const QString volumeKey = QStringLiteral("snd_volume");
 constexpr int Space = 6;
-constexpr int VolumeWidth = 180;
+constexpr int VolumeWidth = 150;
 
 bool isSame(const Vela::SampleInfo &a, const Vela::SampleInfo &b)
 {
@@ -27,16 +29,33 @@ bool isSame(const Vela::SampleInfo &a, const Vela::SampleInfo &b)
         && a.samples == b.samples;
 }
 
+/// A note that ends in dots where there is no room for all of it: a number that is cut off would be
+/// another one.
+class ElidedNote : public NoteLabel
+{
+public:
+    using NoteLabel::NoteLabel;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        style()->drawItemText(&painter, rect(), alignment(), palette(), isEnabled(),
+                              fontMetrics().elidedText(text(), Qt::ElideRight, width()),
+                              foregroundRole());
+    }
+};
+
 } // namespace
 
 SoundView::SoundView(Settings &settings, const Colors &colors, QWidget *parent)
     : QWidget(parent)
     , m_settings(settings)
-    , m_waveform(new SoundWaveform(colors))
+    , m_waveform(new SoundWaveform(colors, this)) // in front of the buttons, also for Tab
     , m_play(makeButton("playSound", "play", tr("Play the selection, or all (Space)")))
     , m_stop(makeButton("stopSound", "stop", tr("Stop (Space)")))
     , m_loop(makeButton("loopSound", "loop", tr("Play again and again")))
-    , m_selection(new NoteLabel)
+    , m_selection(new ElidedNote)
     , m_volume(new VolumeSlider)
 {
     m_waveform->setObjectName(QStringLiteral("soundWaveform"));
@@ -60,9 +79,8 @@ void SoundView::connectParts()
     connect(m_waveform, &SoundWaveform::selectionChanged, this, &SoundView::showSelection);
     connect(&m_playback, &SoundPlayback::changed, this, &SoundView::showPlaying);
     connect(&m_playback, &SoundPlayback::failed, this,
-            [this] { m_selection->setText(tr("The sound cannot be played here.")); });
-    connect(&m_playback, &SoundPlayback::moved, this,
-            [this](unsigned int frame) { m_waveform->setPlayHead(m_playStart + frame); });
+            [this] { tell(tr("The sound cannot be played here.")); });
+    connect(&m_playback, &SoundPlayback::moved, m_waveform, &SoundWaveform::setPlayHead);
     connect(m_volume, &VolumeSlider::edited, this,
             [this](int volume) { m_settings.setValue(volumeKey, volume); });
     connect(&m_settings, &Settings::changed, this, [this](const QString &key) {
@@ -99,8 +117,6 @@ QLayout *SoundView::makeBar()
     bar->addWidget(m_loop);
     bar->addWidget(m_selection, 1);
     bar->addWidget(m_volume);
-    setTabOrder(m_waveform, m_play);
-    setTabOrder(m_loop, m_volume);
     return bar;
 }
 
@@ -157,12 +173,11 @@ void SoundView::play()
     unsigned int low = 0;
     unsigned int high = 0;
     audio.selection(low, high);
-    const bool all = low == high;
-    Vela::SoundSample sound = {audio.info(), all ? audio.data() : audio.selectedBytes()};
-    if (!all)
-        sound.samples = high - low;
-    m_playStart = all ? 0 : low;
-    m_playback.play(sound, m_loop->isChecked());
+    if (low == high) {
+        low = 0;
+        high = audio.info().samples;
+    }
+    m_playback.play({audio.info(), audio.data()}, low, high, m_loop->isChecked());
 }
 
 // What plays begins anew, as the player has no other way.
@@ -203,6 +218,11 @@ void SoundView::showSelection()
             : tr("Selected: %1 to %2, %3, ticks: %4")
                   .arg(timeWords(info, low), timeWords(info, high), timeWords(info, high - low))
                   .arg(ticksOf(info, high - low));
+    tell(words);
+}
+
+void SoundView::tell(const QString &words)
+{
     m_selection->setText(words);
     m_selection->setToolTip(words); // there may not be room for all of it
     m_waveform->setAccessibleDescription(hasSound() ? words : m_waveform->words());

@@ -55,10 +55,10 @@ private:
     void takeVolume();
     void showPlaying();
     void showSelection();
+    void tell(const QString &words);
 
     Settings &m_settings;
     SoundPlayback m_playback;
-    unsigned int m_playStart = 0; ///< the frame that playing began with
     SoundWaveform *m_waveform;
     QToolButton *m_play;
     QToolButton *m_stop;

@@ -47,6 +47,7 @@ void SoundWaveform::setSample(const Vela::SoundSample &sample)
     if (m_tool)
         m_tool->deactivated();
     m_tool = nullptr;
+    viewport()->unsetCursor();
     m_head = -1;
     m_words.clear();
     m_audio.setSample(sample);
@@ -103,12 +104,9 @@ void SoundWaveform::selectAll()
 
 void SoundWaveform::setPlayHead(unsigned int frame)
 {
-    const double before = xOf(double(m_head));
-    m_head = frame;
-    const bool leaves =
-        before >= 0 && before < viewport()->width() && xOf(frame) >= viewport()->width() && !m_tool;
-    if (leaves)
+    if (isSeen(double(m_head)) && !isSeen(frame) && !m_tool)
         scrollTo(frame);
+    m_head = frame;
     viewport()->update();
 }
 
@@ -142,9 +140,8 @@ void SoundWaveform::setZoom(double zoom, double x)
 
 void SoundWaveform::zoomAtPlace(double factor)
 {
-    const double x = xOf(m_audio.selectionEnd());
-    const bool isSeen = x >= 0 && x < viewport()->width();
-    setZoom(m_waveform.zoom() * factor, isSeen ? x : viewport()->width() / 2.0);
+    const double place = m_audio.selectionEnd();
+    setZoom(m_waveform.zoom() * factor, isSeen(place) ? xOf(place) : viewport()->width() / 2.0);
 }
 
 void SoundWaveform::zoomIn()
@@ -181,6 +178,12 @@ void SoundWaveform::showFrame(unsigned int frame)
         scrollTo(frame);
     else if (frame > last)
         scrollTo(m_waveform.offset() + frame - last);
+}
+
+bool SoundWaveform::isSeen(double frame) const
+{
+    const double x = xOf(frame);
+    return x >= 0 && x < viewport()->width();
 }
 
 void SoundWaveform::updateBar()

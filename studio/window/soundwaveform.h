@@ -73,11 +73,13 @@ private:
     void zoomAtPlace(double factor);
     void scrollTo(double frame);
     void showFrame(unsigned int frame);
+    bool isSeen(double frame) const;
     void updateBar();
     void fillWidth();
     bool moveByKey(const QKeyEvent &event);
     Vela::AudioTool::Pointer pointer(const QMouseEvent &event) const;
     int rulerHeight() const;
+    int columnOf(double frame) const;
     void paintSound(QPainter &painter);
     void paintLanes(QPainter &painter, const QRect &area);
     void paintMark(QPainter &painter, const QRect &area, double frame, const QColor &color);

@@ -61,18 +61,24 @@ void SoundWaveform::paintSound(QPainter &painter)
     painter.restore();
 }
 
+/// Returns the column of a frame, or of one far out of view some column that is out of view, too.
+int SoundWaveform::columnOf(double frame) const
+{
+    constexpr double far = 1e6;
+    return int(std::lround(qBound(-far, xOf(frame) * devicePixelRatioF(), far)));
+}
+
 void SoundWaveform::paintLanes(QPainter &painter, const QRect &area)
 {
     const double ratio = devicePixelRatioF();
-    const auto x = [this, ratio](double frame) { return int(std::lround(xOf(frame) * ratio)); };
     unsigned int low = 0;
     unsigned int high = 0;
     m_audio.selection(low, high);
     if (low != high)
-        painter.fillRect(
-            QRect(QPoint(x(low), area.top()), QPoint(std::max(x(high) - 1, x(low)), area.bottom()))
-                .intersected(area),
-            m_colors.color(QStringLiteral("sound_selection")));
+        painter.fillRect(QRect(QPoint(columnOf(low), area.top()),
+                               QPoint(std::max(columnOf(high) - 1, columnOf(low)), area.bottom()))
+                             .intersected(area),
+                         m_colors.color(QStringLiteral("sound_selection")));
 
     const int lanes = m_audio.info().channels;
     const int gap = int(std::lround(LaneGap * ratio));
@@ -95,9 +101,8 @@ void SoundWaveform::paintLanes(QPainter &painter, const QRect &area)
 void SoundWaveform::paintMark(QPainter &painter, const QRect &area, double frame,
                               const QColor &color)
 {
-    const double ratio = devicePixelRatioF();
-    const int width = int(std::ceil(ratio));
-    const int x = int(std::lround(xOf(frame) * ratio));
+    const int width = int(std::ceil(devicePixelRatioF()));
+    const int x = columnOf(frame);
     painter.fillRect(x - width, area.top(), 3 * width, area.height(),
                      palette().color(QPalette::Base));
     painter.fillRect(x, area.top(), width, area.height(), color);

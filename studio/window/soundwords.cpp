@@ -68,9 +68,9 @@ QString timeWords(const Vela::SampleInfo &info, unsigned int frames)
     return timeWords(secondsOf(info, frames));
 }
 
-int ticksOf(const Vela::SampleInfo &info, unsigned int frames)
+qint64 ticksOf(const Vela::SampleInfo &info, unsigned int frames)
 {
-    return int(std::lround(secondsOf(info, frames) * TicksPerSecond));
+    return std::llround(secondsOf(info, frames) * TicksPerSecond);
 }
 
 QString formatWords(const Vela::SampleInfo &info)

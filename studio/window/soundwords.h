@@ -15,7 +15,7 @@ QString timeWords(double seconds, int digits = 3);
 /// Returns the time that \a frames of a sound last.
 QString timeWords(const Vela::SampleInfo &info, unsigned int frames);
 /// Returns the same as ticks, of which a second has 60, rounded.
-int ticksOf(const Vela::SampleInfo &info, unsigned int frames);
+qint64 ticksOf(const Vela::SampleInfo &info, unsigned int frames);
 /// Returns the form of a sound as "44.1 kHz, 16 bits, stereo".
 QString formatWords(const Vela::SampleInfo &info);
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include "studio/colors.h"
 #include "studio/controls.h"
 #include "studio/settings.h"
 #include "studio/window/fileview.h"
 #include "studio/window/settingsdialog.h"
+#include "studio/window/soundruler.h"
 #include "studio/window/soundsview.h"
 #include "studio/window/soundview.h"
 #include "studio/window/soundwaveform.h"
@@ -20,6 +22,7 @@
 #include "sound/sounds.h"
 
 #include <QLabel>
+#include <QPainter>
 #include <QScrollBar>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -130,6 +133,18 @@ private Q_SLOTS:
         f->trigger("undo");
         list()->setCurrentIndex(list()->model()->index(5, 0));
         QTRY_COMPARE(wave()->audio().data(), second.data);
+        // What is to be played before it is decoded plays then, unless that is taken back.
+        list()->setCurrentIndex(list()->model()->index(4, 0));
+        f->press(Qt::Key_Return);
+        QVERIFY(!view()->hasSound());
+        QTRY_VERIFY(view()->playback().isPlaying());
+        QTest::keyEvent(QTest::Press, list(), Qt::Key_Return);
+        QVERIFY(!view()->playback().isPlaying());
+        list()->setCurrentIndex(list()->model()->index(5, 0));
+        f->press(Qt::Key_Space);
+        f->press(Qt::Key_Space);
+        QTRY_VERIFY(view()->hasSound());
+        QVERIFY(!view()->playback().isPlaying());
     }
 
     void undoOfTheFileComesThrough()
@@ -194,6 +209,19 @@ private Q_SLOTS:
         QCOMPARE(wave()->waveform().zoom(), fitting);
     }
 
+    void farFramesArePainted()
+    {
+        Vela::SoundSample sound{{1, 8, rate, 40000000}, QByteArray(40000000, '\x80')};
+        showLong();
+        view()->setSample(sound);
+        wave()->selectAll();
+        turnWheel(60 * 120);
+        QCOMPARE(wave()->waveform().zoom(), 64.0);
+        const QImage image = wave()->viewport()->grab().toImage();
+        QCOMPARE(image.pixelColor(image.width() / 2, image.height() - 10),
+                 Studio::Colors(f->host->settings()).color(QStringLiteral("sound_selection")));
+    }
+
     void mouseAndKeysSelect()
     {
         showLong();
@@ -244,12 +272,40 @@ private Q_SLOTS:
             return a.first().toUInt() < b.first().toUInt();
         };
         QTRY_VERIFY(!std::is_sorted(moved.begin(), moved.end(), goesOn));
+        QVERIFY(std::all_of(moved.begin(), moved.end(), [](const QVariantList &place) {
+            return place.first().toUInt() >= rate && place.first().toUInt() < rate + 400;
+        }));
         child<QToolButton>("stopSound")->click();
         QVERIFY(!playback.isPlaying());
         // Another file, and silence.
         f->trigger("play");
         QVERIFY(f->clickFile(QStringLiteral("rowan/rowan.motion")));
         QVERIFY(!playback.isPlaying() && !f->host->action("play")->isEnabled());
+    }
+
+    void viewFollowsTheHead()
+    {
+        showLong();
+        f->press(Qt::Key_0, Qt::ControlModifier);
+        wave()->horizontalScrollBar()->setValue(0);
+        for (const quint32 frame : {0U, rate, rate * 2, rate}) { // a loop begins anew
+            wave()->setPlayHead(frame);
+            QCOMPARE(wave()->waveform().offset(), frame);
+        }
+        wave()->horizontalScrollBar()->setValue(0); // the user looks at something else
+        wave()->setPlayHead(rate + 1);
+        QCOMPARE(wave()->waveform().offset(), 0U);
+    }
+
+    void tabGoesThroughTheParts()
+    {
+        show(soundsName);
+        QTRY_VERIFY(view()->hasSound());
+        for (const char *name : {"soundList", "soundWaveform", "playSound", "loopSound"}) {
+            QCOMPARE(QApplication::focusWidget()->objectName(), QLatin1String(name));
+            f->press(Qt::Key_Tab);
+        }
+        QCOMPARE(QApplication::focusWidget(), child<Studio::VolumeSlider>("soundVolume")->slider());
     }
 
     void volumeIsASetting()
@@ -265,6 +321,19 @@ private Q_SLOTS:
         QCOMPARE(page->value(), 0);
         QTest::keyClick(page->slider(), Qt::Key_End);
         QCOMPARE(slider->value(), 100);
+    }
+
+    void rulerCutsNoWords()
+    {
+        QImage image(20, 20, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        Studio::drawTimeRuler(painter, image.rect(), 0, 0.01);
+        painter.end();
+        int dark = 0;
+        for (int x = 0; x < image.width(); ++x)
+            dark += image.pixelColor(x, 10) != QColor(Qt::white);
+        QCOMPARE(dark, 1); // the mark of 0:00
     }
 
     void timesInWords()
