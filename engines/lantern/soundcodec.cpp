@@ -9,7 +9,6 @@
 #include <QBuffer>
 #include <QtEndian>
 
-#include <algorithm>
 #include <array>
 
 namespace Lantern {
@@ -110,19 +109,10 @@ bool SoundCodec::isLossy(unsigned int encoding) const
     return encoding == Ogg;
 }
 
-bool isSame(const Vela::SampleInfo &a, const Vela::SampleInfo &b)
-{
-    return a.channels == b.channels && a.precision == b.precision && a.frequency == b.frequency
-        && a.samples == b.samples;
-}
-
 bool isSound(const Vela::SampleInfo &info)
 {
-    constexpr quint16 precisions[] = {8, 16, 20, 24, 32};
-    const bool isKnown = std::find(std::begin(precisions), std::end(precisions), info.precision)
-        != std::end(precisions);
-    return isKnown && info.channels > 0 && info.frequency > 0 && info.samples > 0
-        && plainBytes(info) <= largestFile;
+    return Vela::isKnownPrecision(info.precision) && info.channels > 0 && info.frequency > 0
+        && info.samples > 0 && plainBytes(info) <= largestFile;
 }
 
 QByteArray plainSound(const Vela::SampleInfo &info, const QByteArray &data)

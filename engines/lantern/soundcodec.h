@@ -27,8 +27,6 @@ public:
     bool isLossy(unsigned int encoding) const override;
 };
 
-/// Returns whether form and length are the same.
-bool isSame(const Vela::SampleInfo &a, const Vela::SampleInfo &b);
 /// Returns whether there are sounds of that form and length: with frames, and not too large.
 bool isSound(const Vela::SampleInfo &info);
 /// Returns the plain form of a sound, with the whole frames that its data really holds; empty if it

@@ -12,12 +12,6 @@ namespace Vela {
 /// The most bytes that a sound has: what a byte array holds.
 constexpr int LargestData = std::numeric_limits<int>::max() - 64;
 
-/// Tells whether decodeSample() and its like know samples of so many bits.
-constexpr bool isKnownPrecision(unsigned int bits)
-{
-    return bits == 8 || bits == 16 || bits == 20 || bits == 24 || bits == 32;
-}
-
 /// Returns the number of frames that a sound has in truth.
 inline int wholeFrames(const SoundSample &sample)
 {

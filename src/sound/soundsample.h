@@ -46,6 +46,19 @@ constexpr int frameSize(const SampleInfo &info)
     return info.channels * sampleSize(info.precision);
 }
 
+/// Returns whether both have the same form and length.
+constexpr bool isSame(const SampleInfo &a, const SampleInfo &b)
+{
+    return a.channels == b.channels && a.precision == b.precision && a.frequency == b.frequency
+        && a.samples == b.samples;
+}
+
+/// Tells whether decodeSample() and its like know samples of so many bits.
+constexpr bool isKnownPrecision(unsigned int bits)
+{
+    return bits == 8 || bits == 16 || bits == 20 || bits == 24 || bits == 32;
+}
+
 // One sample of \a precision bits, in the bytes that SoundSample::data has for it. What is written
 // is rounded towards zero; where it takes three bytes that is at 32 bits, of which the lowest eight
 // are cut off.

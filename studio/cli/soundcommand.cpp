@@ -8,8 +8,6 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
-#include <algorithm>
-
 namespace Studio {
 
 namespace {
@@ -33,12 +31,6 @@ bool readNumber(const Call &call, CallOption option, int least, int most, Number
     return isNumber && value >= least && value <= most;
 }
 
-bool isPrecision(int bits)
-{
-    const auto known = {8, 16, 20, 24, 32};
-    return std::find(known.begin(), known.end(), bits) != known.end();
-}
-
 /// Reads what a call asks for; what it leaves as it is stays 0. Returns false with a reason for the
 /// user.
 bool readForm(const Call &call, const SoundFormat &to, Vela::SampleInfo *form, QString *error)
@@ -48,7 +40,7 @@ bool readForm(const Call &call, const SoundFormat &to, Vela::SampleInfo *form, Q
         *error = QStringLiteral("--rate needs a number of frames a second from 1 to %1")
                      .arg(highestRate);
     else if (!readNumber(call, SampleBits, 8, 32, &form->precision)
-             || (form->precision != 0 && !isPrecision(form->precision)))
+             || (form->precision != 0 && !Vela::isKnownPrecision(form->precision)))
         *error = QStringLiteral("--bits needs one of 8, 16, 20, 24, 32");
     else if (to.word == "OGG" && form->precision != 0 && form->precision != 16)
         *error = QStringLiteral("--bits: OGG has no bits to choose, and is read with 16");

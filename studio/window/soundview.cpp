@@ -23,12 +23,6 @@ const QString volumeKey = QStringLiteral("snd_volume");
 constexpr int Space = 6;
 constexpr int VolumeWidth = 150;
 
-bool isSame(const Vela::SampleInfo &a, const Vela::SampleInfo &b)
-{
-    return a.channels == b.channels && a.precision == b.precision && a.frequency == b.frequency
-        && a.samples == b.samples;
-}
-
 /// A note that ends in dots where there is no room for all of it: a number that is cut off would be
 /// another one.
 class ElidedNote : public NoteLabel

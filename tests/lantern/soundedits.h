@@ -50,7 +50,7 @@ inline SoundSample tone(int channels, int precision, quint32 frames, float pitch
 
 inline bool isSameSound(const SoundSample &a, const SoundSample &b)
 {
-    return Lantern::isSame(a, b) && a.data == b.data;
+    return Vela::isSame(a, b) && a.data == b.data;
 }
 
 inline QString text(const Sound &sound, const QString &property)

@@ -10,8 +10,7 @@ namespace Vela {
 
 inline bool operator==(const SoundSample &a, const SoundSample &b)
 {
-    return a.channels == b.channels && a.precision == b.precision && a.frequency == b.frequency
-        && a.samples == b.samples && a.data == b.data;
+    return isSame(a, b) && a.data == b.data;
 }
 
 } // namespace Vela
